@@ -1,0 +1,104 @@
+/* A short tour of Knotwork for host developers: plain C99 against the shared
+   library. Run it as `tour OUTDIR`; files it writes go to OUTDIR. */
+#include <stdio.h>
+#include <stdlib.h>
+
+#include "knotwork.h"
+
+static void report(const char *what, int16_t status) {
+    if (status == 0) {
+        printf("  %-44s ok\n", what);
+    } else {
+        printf("  %-44s failed: code %d in %s\n", what, (int)E_errtyp(), E_errnam());
+        exit(1);
+    }
+}
+
+/* A 3-D rational cubic with five control points and one interior knot. */
+static int16_t make_curve(Curve *cur, StorageStacks *stk) {
+    static const double P[5][4] = {
+        {0.0, 0.0, 0.0, 1.0}, {1.0, 2.0, 0.5, 2.0}, {3.0, 2.5, 1.0, 0.5},
+        {4.0, 0.5, 0.0, 1.5}, {5.0, 1.0, 2.0, 1.0}};
+    static const double U[9] = {0.0, 0.0, 0.0, 0.0, 0.5, 1.0, 1.0, 1.0, 1.0};
+    int32_t n, m, i;
+    int16_t p;
+    ControlPoint *Pw;
+    double *knots;
+
+    U_inicur(cur);
+    if (U_curchk(cur, 4, 3, 8, "TOUR", stk)) return 1;
+    U_curbre(cur, &n, &Pw, &p, &m, &knots);
+    for (i = 0; i <= n; i++) {
+        ControlPoint C;
+        A_initcp(P[i][0], P[i][1], P[i][2], P[i][3], &C);
+        A_weight(C, &Pw[i]); /* Cartesian point and weight -> homogeneous */
+    }
+    for (i = 0; i <= m; i++) knots[i] = U[i];
+    return 0;
+}
+
+/* A bicubic patch over a 4 x 4 grid, non-rational. */
+static int16_t make_surface(Surface *sur, StorageStacks *stk) {
+    int32_t n, m, r, s, i, j;
+    int16_t p, q;
+    ControlPoint **Pw;
+    double *U, *V;
+
+    U_inisur(sur);
+    if (U_surchk(sur, 3, 3, 3, 3, 7, 7, "TOUR", stk)) return 1;
+    U_surbre(sur, &n, &m, &Pw, &p, &q, &r, &s, &U, &V);
+    for (i = 0; i <= n; i++)
+        for (j = 0; j <= m; j++)
+            A_initcp((double)i, (double)j, (i == 1 || i == 2) && (j == 1 || j == 2) ? 1.5 : 0.0,
+                     KW_NONRATIONAL, &Pw[i][j]);
+    for (i = 0; i <= r; i++) U[i] = i < 4 ? 0.0 : 1.0;
+    for (i = 0; i <= s; i++) V[i] = i < 4 ? 0.0 : 1.0;
+    return 0;
+}
+
+int main(int argc, char **argv) {
+    StorageStacks stk;
+    Curve cur, copy, big;
+    Surface sur, surcopy;
+    int32_t n, m;
+    (void)argc;
+    (void)argv;
+
+    printf("Knotwork tour\n\n1. Records on a storage context\n");
+    N_inurbs(&stk);
+    report("make a rational cubic curve (5 points)", make_curve(&cur, &stk));
+    report("validate it (definition, weights, knots)", E_curinp(&cur, "TOUR"));
+    report("make a bicubic surface (4 x 4 points)", make_surface(&sur, &stk));
+    report("validate it", E_surinp(&sur, "TOUR"));
+
+    U_inicur(&copy);
+    report("copy the curve into an empty record", U_curcop(&cur, &copy, &stk));
+    U_inisur(&surcopy);
+    report("copy the surface", U_surcop(&sur, &surcopy, &stk));
+
+    /* A larger record is reused without allocation, then compacted. */
+    U_inicur(&big);
+    report("allocate a curve of 20 points", U_getcur(&big, 19, 3, 23, &stk));
+    report("copy into it (reused, counts shrink)", U_curcop(&cur, &big, &stk));
+    U_curind(&big, &n, &m);
+    printf("  the copy now has n = %ld, m = %ld\n", (long)n, (long)m);
+    report("compact it to what the counts need", U_curcmp(&big, &stk));
+
+    E_clrerr();
+    U_inicur(&copy);
+    if (U_curchk(&big, 30, 3, 34, "TOUR", &stk) == 1)
+        printf("  asking the compacted curve for 31 points: code %d in %s\n", (int)E_errtyp(),
+               E_errnam());
+
+    printf("\n2. What the context holds\n");
+    U_shwstk(&stk);
+    U_kilcur(&big, &stk);
+    U_kilsur(&surcopy, &stk);
+    printf("\nafter killing the big curve's and the surface copy's parts:\n");
+    U_shwstk(&stk);
+
+    N_enurbs(&stk);
+    printf("\nafter emptying the context:\n");
+    U_shwstk(&stk);
+    return 0;
+}
