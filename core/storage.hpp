@@ -325,3 +325,21 @@ inline int32_t **get2d<int32_t>(int32_t n, int32_t m, StorageStacks *stk) noexce
 }
 
 }  // namespace kw
+
+namespace kw {
+
+// A private storage context for a routine's scratch objects, emptied on every
+// exit path.
+class LocalStacks {
+public:
+    LocalStacks() noexcept { N_inurbs(&stk_); }
+    ~LocalStacks() { N_enurbs(&stk_); }
+    LocalStacks(const LocalStacks &) = delete;
+    LocalStacks &operator=(const LocalStacks &) = delete;
+    StorageStacks *get() noexcept { return &stk_; }
+
+private:
+    StorageStacks stk_;
+};
+
+}  // namespace kw
