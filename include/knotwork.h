@@ -18,5 +18,6 @@
 #include "knotwork/eval.h"
 #include "knotwork/tools.h"
 #include "knotwork/io.h"
+#include "knotwork/iges.h"
 
 #endif

@@ -1,4 +1,4 @@
-/* Knotwork: text files, IGES files and pictures. */
+/* Knotwork: text files, printers and pictures. */
 #ifndef KNOTWORK_IO_H
 #define KNOTWORK_IO_H
 
