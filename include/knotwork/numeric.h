@@ -222,6 +222,94 @@ KW_API int16_t M_svdinv(double *const *a, int32_t n, double **ainv);
    do not converge. */
 KW_API int16_t M_rmaevv(const RealMatrix *A, double *d, RealMatrix *V, StorageStacks *stk);
 
+/* ---- Smallest and largest values ------------------------------------------
+
+   which = 1 the smallest, 2 the largest; another which or a negative count
+   records code 14 and gives 0. */
+
+KW_API double M_r1mima(const double *a, int32_t n, int16_t which);
+KW_API double M_r2mima(double *const *a, int32_t n, int32_t m, int16_t which);
+KW_API int32_t M_i1mima(const int32_t *a, int32_t n, int16_t which);
+KW_API int32_t M_i2mima(int32_t *const *a, int32_t n, int32_t m, int16_t which);
+
+/* ---- Sorting ---------------------------------------------------------------
+
+   Shell sorts of a(0..n), ascending, in place, with the gaps
+   gap = (5 gap - 1) / 11 from n + 1 down to 1. Within each pass an element
+   moves only past smaller ones, so equal values keep their order in each
+   gap chain (and overall in a sort of at most four values, or of an input
+   already sorted). Nothing happens for n < 1. */
+
+KW_API void M_rshell(double *a, int32_t n);
+KW_API void M_ishell(int32_t *a, int32_t n);
+/* Sorts a; b (n+1 integers) is permuted alongside. */
+KW_API void M_rishel(double *a, int32_t *b, int32_t n);
+/* Sorts a; b (n+1 doubles) is permuted alongside. */
+KW_API void M_rrshel(double *a, double *b, int32_t n);
+/* Sorts a; idx is set to 0..n and permuted alongside: a_sorted[k] is
+   a_old[idx[k]]. */
+KW_API void M_rshel2(double *a, int32_t n, int32_t *idx);
+KW_API void M_ishel2(int32_t *a, int32_t n, int32_t *idx);
+
+KW_API void M_reswap(double *a, double *b);
+KW_API void M_inswap(int32_t *a, int32_t *b);
+KW_API void M_poswap(Point *a, Point *b);
+KW_API void M_cpswap(ControlPoint *a, ControlPoint *b);
+
+/* ---- Hash table of reals ----------------------------------------------------
+
+   n+1 buckets, each NULL or an array on stk of its values ended by DBL_MAX.
+   A value goes to bucket mix(bits) mod (n + 1), where bits is its 64-bit
+   pattern (-0.0 taken as 0.0) and mix the SplitMix64 finaliser: the same
+   table every run. A table holds each value once (exact equality). */
+
+/* *table := n+1 empty buckets on stk; code 14 for n < 0. */
+KW_API int16_t M_inrhas(double ***table, int32_t n, StorageStacks *stk);
+/* Adds value to its bucket unless it is there already; the bucket's array
+   is replaced by one a value longer. Code 14 for DBL_MAX or NaN. */
+KW_API int16_t M_uprhas(double **table, int32_t n, double value, StorageStacks *stk);
+/* Copies every value, bucket by bucket and in stored order within a bucket,
+   into out (NULL: count only); *k := the highest index written, -1 for an
+   empty table. */
+KW_API void M_rerhas(double *const *table, int32_t n, double *out, int32_t *k);
+
+/* ---- Pseudo-random numbers -------------------------------------------------- */
+
+/* seed := seed * 1103515245 + 12345 (mod 2^32); gives (seed >> 16) mod 32767,
+   in 0..32766. The seed is 7 at start-up, so runs repeat. */
+KW_API int32_t M_inrand(void);
+/* Restarts the sequence of M_inrand from seed. */
+KW_API void M_serand(uint32_t seed);
+/* 1 or 2: the low bit of M_inrand, plus one. */
+KW_API int16_t M_fliflo(void);
+
+/* ---- Binomial coefficients --------------------------------------------------- */
+
+/* Turns row n-1 of Pascal's triangle, in row, into row n (n+1 values); code
+   14 unless 0 <= n <= 33, the last row that fits 32 bits. */
+KW_API int16_t M_pascal(int32_t *row, int32_t n);
+/* bin[i][j] := i over j for 0 <= j <= i <= n, 0 for j > i (rows and columns
+   0..n); code 14 unless 0 <= n <= 33. */
+KW_API int16_t M_pastri(int32_t **bin, int32_t n);
+
+/* ---- Roots ------------------------------------------------------------------- */
+
+/* Real roots of a x^2 + b x + c, coefficients below U_tolzer in magnitude
+   taken as zero: *count := 0, 1 or 2, with x1 <= x2 (x1 = x2 for a single or
+   double root; untouched for none). a = b = 0 has none; a = 0 the root
+   -c/b; a discriminant in [-1e-8, 0] counts as zero (one double root).
+   Code 11 when M_chkfop refuses a division. */
+KW_API int16_t M_quades(double a, double b, double c, double *x1, double *x2, int16_t *count);
+/* ders[k] := the k-th derivative at x, k = 0..d, of the polynomial
+   sum poly[i] x^i, i = 0..degree; code 14 for a negative degree or d. */
+KW_API int16_t M_polder(const double *poly, int16_t degree, double x, int16_t d, double *ders);
+/* A root of sum poly[i] x^i by Newton's method from x0, each step clamped to
+   [lo, hi]: 0 once |p(x)| < tol. After N_itenew steps without that, code
+   12; code 11 when M_chkfop refuses p/p'; code 14 for lo > hi or a negative
+   degree. *x holds the last iterate in every case but code 14. */
+KW_API int16_t M_polnew(const double *poly, int16_t degree, double x0, double lo, double hi,
+                        double tol, double *x);
+
 KW_END_DECLS
 
 #endif
