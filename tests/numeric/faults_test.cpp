@@ -4,6 +4,7 @@
 // for leaks of private scratch contexts).
 #include <cstring>
 #include <functional>
+#include <memory>
 
 #include "core/alloc.hpp"
 #include "support.hpp"
@@ -14,13 +15,17 @@ namespace {
 
 using Operation = std::function<int16_t()>;
 // Builds the inputs of one run on the context and gives the call to make.
-using Setup = std::function<Operation(StorageStacks *)>;
+using Prepare = std::function<Operation(StorageStacks *)>;
 
-RealMatrix filled(StorageStacks *stk, int32_t type, int32_t n, int32_t m, int32_t w) {
+struct Shape {
+    int32_t type, n, m, w;
+};
+
+RealMatrix filled(StorageStacks *stk, Shape s) {
     RealMatrix A;
     M_inirma(&A);
-    EXPECT_EQ(M_getrma(&A, n, m, type, w, stk), 0);
-    for (int32_t i = 0; i <= n; ++i) {
+    EXPECT_EQ(M_getrma(&A, s.n, s.m, s.type, s.w, stk), 0);
+    for (int32_t i = 0; i <= s.n; ++i) {
         const kw::Span cols = kw::row_span(A, i);
         for (int32_t j = cols.lo; j <= cols.hi; ++j) kw::entry(A, i, j) = i == j ? 10.0 + i : 1.0 / (1 + i + 2 * j);
     }
@@ -28,9 +33,8 @@ RealMatrix filled(StorageStacks *stk, int32_t type, int32_t n, int32_t m, int32_
 }
 
 // Runs the operation with the k-th allocation failing, k = 1, 2, ..., until
-// it succeeds without the fault; returns how many allocations failed.
-int sweep(const Setup &setup) {
-    int failures = 0;
+// it succeeds without the fault; returns how many runs failed.
+int sweep(const Prepare &setup) {
     for (long k = 1; k < 200; ++k) {
         StorageStacks stk;
         N_inurbs(&stk);
@@ -40,149 +44,102 @@ int sweep(const Setup &setup) {
         const int16_t status = op();
         const bool fired = kw::fault::fired();
         kw::fault::fail_at(0);
+        N_enurbs(&stk);
         if (!fired) {
             EXPECT_EQ(status, 0) << E_errtyp() << " " << E_errnam();
-            N_enurbs(&stk);
-            return failures;
+            return static_cast<int>(k - 1);
         }
-        ++failures;
         EXPECT_EQ(status, 1) << k;
         EXPECT_EQ(E_errtyp(), KW_ENOMEM) << k;
         EXPECT_EQ(std::strncmp(E_errnam(), "S_GET", 5), 0) << E_errnam();
-        N_enurbs(&stk);
-        for (StackNode *head : stk.head) EXPECT_EQ(head, nullptr);
     }
     ADD_FAILURE() << "never succeeded";
-    return failures;
+    return 0;
 }
 
-struct Shape {
-    int32_t type, n, m, w;
-};
-
-// Sweeps f(A, B, &C, stk) with fresh A and B of the given shapes and an
-// empty result C.
+// f(A, B, &C, stk) on fresh A and B of the given shapes and an empty C.
 template <class F>
-int sweep_on(Shape a, Shape b, F f) {
-    RealMatrix C;
-    return sweep([&](StorageStacks *stk) -> Operation {
-        M_inirma(&C);
-        RealMatrix A = filled(stk, a.type, a.n, a.m, a.w), B = filled(stk, b.type, b.n, b.m, b.w);
-        return [=, &C]() mutable { return f(A, B, &C, stk); };
-    });
+Prepare on(Shape a, Shape b, F f) {
+    auto C = std::make_shared<RealMatrix>();
+    return [=](StorageStacks *stk) -> Operation {
+        M_inirma(C.get());
+        RealMatrix A = filled(stk, a), B = filled(stk, b);
+        return [=]() mutable { return f(A, B, C.get(), stk); };
+    };
 }
 
 constexpr Shape kSquare{KW_FULL, 4, 4, 5};
 
-TEST(Faults, ProductsAndTransposes) {
-    EXPECT_GT(sweep_on({KW_FULL, 3, 2, 4}, {KW_LOWERLEFT, 2, 4, 3},
-                       [](auto &A, auto &B, auto *C, auto *stk) { return M_rmamul(&A, &B, C, stk); }),
-              0);
-    EXPECT_GT(sweep_on({KW_FULL, 3, 2, 4}, {KW_FULL, 5, 2, 6},
-                       [](auto &A, auto &B, auto *C, auto *stk) { return M_rmamtr(&A, &B, C, stk); }),
-              0);
-    EXPECT_GT(sweep_on({KW_UPPERRIGHT, 3, 2, 4}, kSquare,
-                       [](auto &A, auto &, auto *C, auto *stk) { return M_rmamtm(&A, C, stk); }),
-              0);
-    EXPECT_GT(sweep_on({KW_BANDED, 6, 6, 4}, kSquare,
-                       [](auto &A, auto &, auto *C, auto *stk) { return M_rmatrp(&A, C, stk); }),
-              0);
-    ControlPointMatrix Q;
-    EXPECT_GT(sweep([&Q](StorageStacks *stk) -> Operation {
-                  M_inicma(&Q);
-                  RealMatrix A = filled(stk, KW_FULL, 2, 3, 3);
-                  ControlPointMatrix P;
-                  M_inicma(&P);
-                  EXPECT_EQ(M_getcma(&P, 3, 1, KW_FULL, 4, stk), 0);
-                  for (int32_t i = 0; i <= 3; ++i)
-                      for (int32_t j = 0; j <= 1; ++j) P.a[i][j] = ControlPoint{1.0 * i, 1.0 * j, 0.5, 1.0};
-                  return [&Q, A, P, stk] { return M_rmcprm(&A, &P, 1, &Q, stk); };
-              }),
-              0);
-}
-
-TEST(Faults, SolversAndInverses) {
-    std::vector<ControlPoint> out(6);
-    for (int16_t kind : {1, 2}) {
-        EXPECT_GT(sweep([&out, kind](StorageStacks *stk) -> Operation {
-                      RealMatrix A = filled(stk, KW_BANDED, 5, 5, 3);
-                      EXPECT_EQ(M_ludcmp(&A), 0);
-                      auto *P = S_getp1d(5, stk);
-                      auto *C = S_getc1d(5, stk);
-                      for (int32_t i = 0; i <= 5; ++i) {
-                          P[i] = Point{1.0, 2.0, 3.0};
-                          C[i] = ControlPoint{1.0, 2.0, KW_PLANAR, 1.0};
-                      }
-                      const void *rhs = kind == 1 ? static_cast<const void *>(P) : C;
-                      return [&out, A, rhs, kind, stk] { return M_forbac(&A, rhs, kind, out.data(), stk); };
-                  }),
-                  0);
-    }
+TEST(Faults, EveryAllocatingRoutine) {
     int32_t piv[5];
-    EXPECT_GT(sweep_on(kSquare, kSquare, [&piv](auto &A, auto &, auto *, auto *) { return M_ludpiv(&A, piv); }), 0);
-    for (int32_t type : {KW_FULL, KW_BANDED}) {
-        EXPECT_GT(sweep_on({type, 4, 4, 3}, kSquare,
-                           [](auto &A, auto &, auto *C, auto *stk) { return M_rmainv(&A, 0, C, stk); }),
-                  0);
-    }
-    EXPECT_GT(sweep_on(kSquare, kSquare, [](auto &A, auto &, auto *C, auto *stk) { return M_rmaivp(&A, C, stk); }),
-              0);
-    EXPECT_GT(sweep_on(kSquare, kSquare, [](auto &A, auto &, auto *C, auto *stk) { return M_rmaivs(&A, C, stk); }),
-              0);
+    double x[5];
     const double b[] = {0, 1, 2, 3, 4, 5, 6};
-    double x[3];
-    EXPECT_GT(sweep_on({KW_FULL, 6, 2, 7}, kSquare, [&](auto &A, auto &, auto *, auto *) { return M_lsslsy(&A, b, x); }),
-              0);
-    double d[5];
-    EXPECT_GT(sweep_on(kSquare, kSquare,
-                       [&d](auto &A, auto &, auto *C, auto *stk) { return M_rmaevv(&A, d, C, stk); }),
-              0);
-}
-
-TEST(Faults, SingularValueDecomposition) {
-    struct Svd {
-        double **u, **v, *w;
+    std::vector<ControlPoint> out(6);
+    auto forbac = [&out](int16_t kind) -> Prepare {
+        return [&out, kind](StorageStacks *stk) -> Operation {
+            RealMatrix A = filled(stk, {KW_BANDED, 5, 5, 3});
+            EXPECT_EQ(M_ludcmp(&A), 0);
+            void *rhs = kind == 1 ? static_cast<void *>(S_getp1d(5, stk)) : S_getc1d(5, stk);
+            std::fill_n(static_cast<double *>(rhs), kind == 1 ? 18 : 24, 1.0);
+            return [&out, A, rhs, kind, stk] { return M_forbac(&A, rhs, kind, out.data(), stk); };
+        };
     };
-    auto decomposed = [](StorageStacks *stk, bool factor) {
-        RealMatrix A = filled(stk, KW_FULL, 5, 3, 6);
-        Svd s{A.a, S_getr2d(3, 3, stk), S_getr1d(3, stk)};
-        if (factor) EXPECT_EQ(M_svdcpf(s.u, s.w, s.v, 5, 3), 0);
-        return s;
+    auto svd = [](int16_t kind) -> Prepare {  // kind 0: the decomposition itself
+        return [kind](StorageStacks *stk) -> Operation {
+            double **u = filled(stk, {KW_FULL, 5, 3, 6}).a, **v = S_getr2d(3, 3, stk), *w = S_getr1d(3, stk);
+            if (kind == 0) return [u, v, w] { return M_svdcpf(u, w, v, 5, 3); };
+            EXPECT_EQ(M_svdcpf(u, w, v, 5, 3), 0);
+            auto *c = S_getc1d(9, stk);  // right side and solution, large enough for every kind
+            std::fill_n(&c[0].x, 40, 1.0);
+            return [u, v, w, c, kind] { return M_svdsbf(u, w, v, 5, 3, c, kind, 1, c + 6); };
+        };
     };
-    EXPECT_GT(sweep([&](StorageStacks *stk) -> Operation {
-                  const Svd s = decomposed(stk, false);
-                  return [s] { return M_svdcpf(s.u, s.w, s.v, 5, 3); };
-              }),
-              0);
-    for (int16_t kind : {1, 2, 3}) {
-        EXPECT_GT(sweep([&](StorageStacks *stk) -> Operation {
-                      const Svd s = decomposed(stk, true);
-                      auto *b = S_getc1d(5, stk);  // large enough for every kind
-                      auto *x = S_getc1d(3, stk);
-                      for (int32_t i = 0; i <= 5; ++i) b[i] = ControlPoint{1.0 * i, 1.0, 2.0, 1.0};
-                      return [s, b, x, kind] { return M_svdsbf(s.u, s.w, s.v, 5, 3, b, kind, 1, x); };
-                  }),
-                  0);
+    const std::pair<const char *, Prepare> cases[] = {
+        {"M_rmamul", on({KW_FULL, 3, 2, 4}, {KW_LOWERLEFT, 2, 4, 3},
+                        [](auto &A, auto &B, auto *C, auto *stk) { return M_rmamul(&A, &B, C, stk); })},
+        {"M_rmamtr", on({KW_FULL, 3, 2, 4}, {KW_FULL, 5, 2, 6},
+                        [](auto &A, auto &B, auto *C, auto *stk) { return M_rmamtr(&A, &B, C, stk); })},
+        {"M_rmamtm", on(kSquare, kSquare, [](auto &A, auto &, auto *C, auto *stk) { return M_rmamtm(&A, C, stk); })},
+        {"M_rmatrp", on({KW_BANDED, 6, 6, 4}, kSquare,
+                        [](auto &A, auto &, auto *C, auto *stk) { return M_rmatrp(&A, C, stk); })},
+        {"M_rmcprm", on(kSquare, kSquare,
+                        [](auto &A, auto &, auto *, auto *stk) {
+                            ControlPointMatrix P, Q;
+                            M_inicma(&P);
+                            M_inicma(&Q);
+                            if (M_getcma(&P, 4, 1, KW_FULL, 5, stk)) return int16_t{1};
+                            std::fill_n(&P.a[0][0].x, 40, 1.0);
+                            return M_rmcprm(&A, &P, 1, &Q, stk);
+                        })},
+        {"M_ludpiv", on(kSquare, kSquare, [&piv](auto &A, auto &, auto *, auto *) { return M_ludpiv(&A, piv); })},
+        {"M_rmainv full", on(kSquare, kSquare, [](auto &A, auto &, auto *C, auto *stk) { return M_rmainv(&A, 0, C, stk); })},
+        {"M_rmainv banded", on({KW_BANDED, 4, 4, 3}, kSquare,
+                               [](auto &A, auto &, auto *C, auto *stk) { return M_rmainv(&A, 0, C, stk); })},
+        {"M_rmaivp", on(kSquare, kSquare, [](auto &A, auto &, auto *C, auto *stk) { return M_rmaivp(&A, C, stk); })},
+        {"M_rmaivs", on(kSquare, kSquare, [](auto &A, auto &, auto *C, auto *stk) { return M_rmaivs(&A, C, stk); })},
+        {"M_svdinv", on(kSquare, kSquare, [](auto &A, auto &B, auto *, auto *) { return M_svdinv(A.a, 4, B.a); })},
+        {"M_lsslsy", on({KW_FULL, 6, 2, 7}, kSquare, [&](auto &A, auto &, auto *, auto *) { return M_lsslsy(&A, b, x); })},
+        {"M_rmaevv", on(kSquare, kSquare, [&x](auto &A, auto &, auto *C, auto *stk) { return M_rmaevv(&A, x, C, stk); })},
+        {"M_forbac points", forbac(1)},
+        {"M_forbac control points", forbac(2)},
+        {"M_svdcpf", svd(0)},
+        {"M_svdsbf points", svd(1)},
+        {"M_svdsbf control points", svd(2)},
+        {"M_svdsbf doubles", svd(3)},
+        {"hash table", [](StorageStacks *stk) -> Operation {
+             return [stk] {
+                 double **table = nullptr;
+                 if (M_inrhas(&table, 3, stk)) return int16_t{1};
+                 for (double v : {1.0, 2.0, 1.0, 3.5, -4.0, 2.0})
+                     if (M_uprhas(table, 3, v, stk)) return int16_t{1};
+                 return int16_t{0};
+             };
+         }},
+    };
+    for (const auto &[what, setup] : cases) {
+        SCOPED_TRACE(what);
+        EXPECT_GT(sweep(setup), 0);
     }
-    EXPECT_GT(sweep([](StorageStacks *stk) -> Operation {
-                  RealMatrix A = filled(stk, KW_FULL, 3, 3, 4);
-                  double **inv = S_getr2d(3, 3, stk);
-                  return [A, inv] { return M_svdinv(A.a, 3, inv); };
-              }),
-              0);
-}
-
-TEST(Faults, HashTable) {
-    EXPECT_GT(sweep([](StorageStacks *stk) -> Operation {
-                  return [stk] {
-                      double **table = nullptr;
-                      if (M_inrhas(&table, 3, stk)) return int16_t{1};
-                      for (double v : {1.0, 2.0, 1.0, 3.5, -4.0, 2.0})
-                          if (M_uprhas(table, 3, v, stk)) return int16_t{1};
-                      return int16_t{0};
-                  };
-              }),
-              0);
 }
 
 }  // namespace

@@ -49,6 +49,11 @@ protected:
         }
         return A;
     }
+    // The existing entries of a shape taken from a dense matrix.
+    RealMatrix from(const std::vector<std::vector<double>> &D, int32_t type = KW_FULL, int32_t w = 0) {
+        const auto n = static_cast<int32_t>(D.size()) - 1, m = static_cast<int32_t>(D[0].size()) - 1;
+        return make(type, n, m, w > 0 ? w : n + 1, [&D](int32_t i, int32_t j) { return D[i][j]; });
+    }
     RealMatrix random(int32_t type, int32_t n, int32_t m, int32_t w = 0) {
         return make(type, n, m, w > 0 ? w : n + 1, [this](int32_t, int32_t) { return uniform(); });
     }
