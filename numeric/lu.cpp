@@ -2,6 +2,7 @@
 // pivoting, their substitutions, the inverses built on them and normal-
 // equation least squares.
 #include <cmath>
+#include <cstdint>
 #include <utility>
 
 #include "numeric/solvers.hpp"

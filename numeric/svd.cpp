@@ -133,12 +133,12 @@ int16_t diagonalise(double *const *a, double *w, double *e, double *const *v, in
                     double anorm, char *name) noexcept {
     for (int32_t k = n; k >= 0; --k) {
         for (int32_t its = 1;; ++its) {
-            // Find the top l of the unreduced block ending at k. e[0] is 0,
+            // Find the top l of the unreduced block ending at k; e[0] is 0,
             // so the search stops at l = 0 at the latest.
             int32_t l = k;
             bool split = false;
             for (; l >= 0; --l) {
-                if (negligible(e[l], anorm)) break;
+                if (l == 0 || negligible(e[l], anorm)) break;
                 if (negligible(w[l - 1], anorm)) {
                     split = true;
                     break;

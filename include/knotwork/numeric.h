@@ -189,8 +189,8 @@ KW_API int16_t M_rmaivp(const RealMatrix *A, RealMatrix *Ainv, StorageStacks *st
 KW_API int16_t M_rmaivs(const RealMatrix *A, RealMatrix *Ainv, StorageStacks *stk);
 /* The least-squares solution x (m+1) of A x = b (n+1 rows) by the normal
    equations A^T A x = A^T b, solved with M_ludpiv and M_rafbpv; code 7
-   unless n > m. Scratch on a private context; x is written only on
-   success. */
+   unless n > m. A full or triangular A (M_rmamul refuses a banded one).
+   Scratch on a private context; x is written only on success. */
 KW_API int16_t M_lsslsy(const RealMatrix *A, const double *b, double *x);
 
 /* ---- Singular value decomposition ------------------------------------- */

@@ -120,6 +120,9 @@ TEST_F(Svd, ShapeValueAndIterationFailures) {
     for (int32_t i = 0; i <= 4; ++i) std::copy(G[i].begin(), G[i].end(), g[i]);
     EXPECT_FAILURE(M_svdcpf(g, f.w, f.v, 4, 3), KW_ENOCONV, "M_SVDCPF");
     M_itesvd = saved;
+    for (int32_t i = 0; i <= 4; ++i) std::copy(G[i].begin(), G[i].end(), g[i]);
+    g[2][1] = std::nan("");  // never converges, and stays inside its arrays
+    EXPECT_FAILURE(M_svdcpf(g, f.w, f.v, 4, 3), KW_ENOCONV, "M_SVDCPF");
 }
 
 }  // namespace
