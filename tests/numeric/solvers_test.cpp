@@ -45,8 +45,10 @@ TEST_F(Solvers, LuSolvesFullAndEveryBandWidthAndItsFactorsRebuildTheMatrix) {
             for (int32_t j = 0; j <= n; ++j) (j < i ? L[i][j] : U[i][j]) = A.a[i][j];
         EXPECT_LT(max_difference(multiply(L, U), D), 1e-12) << n;
     }
-    // Band width 1 is diagonal: nothing to decompose.
+    // Band width 1 is diagonal: nothing to decompose. Its rows are stored
+    // two values wide, the second never read (it holds NaN).
     RealMatrix B = dominant(KW_BANDED, 5, 1);
+    EXPECT_EQ(B.a[1] - B.a[0], 2);
     const Dense before = dense(B);
     ASSERT_EQ(M_ludcmp(&B), 0);
     EXPECT_EQ(max_difference(dense(B), before), 0.0);
