@@ -17,8 +17,9 @@ KW_BEGIN_DECLS
 
 /* While flag > 0, M_chkfop reports every operation as safe. */
 KW_API void M_NoErrChk(int16_t flag);
-/* 1 when a op b (op 1 +, 2 -, 3 *, 4 /) would overflow the largest double,
-   or op is not 1..4; 0 otherwise. */
+/* 1 when a op b (op 1 +, 2 -, 3 *, 4 /) has no finite result: it would
+   overflow the largest double or divide by zero (or an operand is not
+   finite); 1 also when op is not 1..4; 0 otherwise. */
 KW_API int16_t M_chkfop(double a, double b, int16_t op);
 
 /* ---- Real matrices ---------------------------------------------------- */
