@@ -40,7 +40,7 @@ KW_API int16_t M_getrma(RealMatrix *mat, int32_t n, int32_t m, int32_t type, int
 /* 1 unless both last indices are at least 0, the data is set and w > 0. */
 KW_API int16_t M_isrman(const RealMatrix *mat);
 /* Empty: allocated; existing: must hold the size wanted (code 9 under name),
-   then redefined. */
+   then redefined. Code 14 for an unknown type or w < 1. */
 KW_API int16_t M_rmachk(RealMatrix *mat, int32_t n, int32_t m, int32_t type, int32_t w, char *name,
                         StorageStacks *stk);
 
@@ -62,7 +62,7 @@ KW_API int16_t M_getima(IntegerMatrix *mat, int32_t n, int32_t m, int32_t type, 
 /* 1 unless both last indices are at least 0, the data is set and w > 0. */
 KW_API int16_t M_isiman(const IntegerMatrix *mat);
 /* Empty: allocated; existing: must hold the size wanted (code 9 under name),
-   then redefined. */
+   then redefined. Code 14 for an unknown type or w < 1. */
 KW_API int16_t M_imachk(IntegerMatrix *mat, int32_t n, int32_t m, int32_t type, int32_t w, char *name,
                         StorageStacks *stk);
 
@@ -84,7 +84,7 @@ KW_API int16_t M_getpma(PointMatrix *mat, int32_t n, int32_t m, int32_t type, in
 /* 1 unless both last indices are at least 0, the data is set and w > 0. */
 KW_API int16_t M_ispman(const PointMatrix *mat);
 /* Empty: allocated; existing: must hold the size wanted (code 9 under name),
-   then redefined. */
+   then redefined. Code 14 for an unknown type or w < 1. */
 KW_API int16_t M_pmachk(PointMatrix *mat, int32_t n, int32_t m, int32_t type, int32_t w, char *name,
                         StorageStacks *stk);
 
@@ -106,7 +106,7 @@ KW_API int16_t M_getcma(ControlPointMatrix *mat, int32_t n, int32_t m, int32_t t
 /* 1 unless both last indices are at least 0, the data is set and w > 0. */
 KW_API int16_t M_iscman(const ControlPointMatrix *mat);
 /* Empty: allocated; existing: must hold the size wanted (code 9 under name),
-   then redefined. */
+   then redefined. Code 14 for an unknown type or w < 1. */
 KW_API int16_t M_cmachk(ControlPointMatrix *mat, int32_t n, int32_t m, int32_t type, int32_t w, char *name,
                         StorageStacks *stk);
 
