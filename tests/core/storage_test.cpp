@@ -58,6 +58,7 @@ TEST(Allocators, UseTheirOwnLists) {
         {"S_getcu1", {[](StorageStacks *s) { S_getcu1(2, 1, s); }, {{KW_LIST_CU2, 1}, {KW_LIST_CUR, 3}}}},
         {"S_getcub", {[](StorageStacks *s) { S_getcub(2, s); }, {{KW_LIST_CU3, 1}}}},
         {"S_getcuc", {[](StorageStacks *s) { S_getcuc(2, s); }, {{KW_LIST_CU4, 1}}}},
+        {"S_getsu1", {[](StorageStacks *s) { S_getsu1(2, s); }, {{KW_LIST_SU2, 1}}}},
         {"S_getsua", {[](StorageStacks *s) { S_getsua(2, s); }, {{KW_LIST_SU2, 1}}}},
         {"S_getkpa", {[](StorageStacks *s) { S_getkpa(2, s); }, {{KW_LIST_KN2, 1}}}},
         {"S_getcur", {[](StorageStacks *s) { S_getcur(2, 1, 4, s); },
