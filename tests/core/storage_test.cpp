@@ -112,14 +112,11 @@ TEST(Allocators, CountsAreHighestIndices) {
     static const int32_t neg[1] = {-1};
     const std::pair<const char *, std::function<const void *(StorageStacks *)>> table[] = {
         {"S_GETR1D", [](StorageStacks *s) { return (const void *)S_getr1d(-1, s); }},
-        {"S_GETC1D", [](StorageStacks *s) { return (const void *)S_getc1d(-5, s); }},
         {"S_GETR2D", [](StorageStacks *s) { return (const void *)S_getr2d(-1, 0, s); }},
         {"S_GETP2D", [](StorageStacks *s) { return (const void *)S_getp2d(0, -1, s); }},
-        {"S_GETI2P", [](StorageStacks *s) { return (const void *)S_geti2p(0, -1, s); }},
         {"S_GETR3D", [](StorageStacks *s) { return (const void *)S_getr3d(0, 0, -1, s); }},
         {"S_GETR4D", [](StorageStacks *s) { return (const void *)S_getr4d(0, -1, 0, 0, s); }},
         {"S_GETP2V", [](StorageStacks *s) { return (const void *)S_getp2v(0, neg, s); }},
-        {"S_GETCUA", [](StorageStacks *s) { return (const void *)S_getcua(-1, s); }},
         {"S_GETKN2", [](StorageStacks *s) { return (const void *)S_getkn2(3, -1, s); }},
     };
     for (const auto &[name, run] : table) {
@@ -156,16 +153,12 @@ TEST(Kills, TakeWholeObjects) {
     const std::pair<const char *, std::function<void()>> table[] = {
         {"U_kilr2d", [s] { U_kilr2d(S_getr2d(2, 2, s), s); }},
         {"U_kilc2d", [s] { U_kilc2d(S_getc2d(2, 2, s), s); }},
-        {"U_kilf2d", [s] { U_kilf2d(S_getf2d(2, 2, s), s); }},
-        {"U_kili2d", [s] { U_kili2d(S_geti2d(2, 2, s), s); }},
-        {"U_kilp2d", [s] { U_kilp2d(S_getp2d(2, 2, s), s); }},
         {"U_kili2p", [s] { U_kili2p(S_geti2p(2, 2, s), s); }},
         {"U_kili1p", [s] { U_kili1p(S_geti1p(2, s), s); }},
         {"U_kilr3d", [s] { U_kilr3d(S_getr3d(1, 2, 3, s), s); }},
         {"U_kilknt", [s] { U_kilknt(S_getknt(4, s), s); }},
         {"U_kilpol", [s] { U_kilpol(S_getpol(4, s), s); }},
         {"U_kilnet", [s] { U_kilnet(S_getnet(2, 4, s), s); }},
-        {"U_kilcvl", [s] { U_kilcvl(S_getcvs(4, s), s); }},
         {"U_kilsvl", [s] { U_kilsvl(S_getsvs(2, 4, s), s); }},
     };
     for (const auto &[name, run] : table) {
@@ -212,11 +205,6 @@ TEST(Resizes, KeepElementsAndDropTheOldArray) {
     for (int i = 0; i <= 2; ++i)
         for (int j = 0; j <= 1; ++j) EXPECT_TRUE(SameBits(P[i][j], ControlPoint{1.0 * i, 1.0 * j, kPlanar, kNonRational}));
     P[4][1].x = 0.0;
-    int32_t **ip = S_geti1p(1, s);
-    ip[0] = ip[1] = nullptr;
-    ASSERT_EQ(U_rali1p(&ip, 1, 3, s), 0);
-    EXPECT_EQ(ip[1], nullptr);
-    EXPECT_EQ(census(s)[KW_LIST_I2D], 1);
 }
 
 TEST(Contexts, EmptyCompletelyAndCanBeReused) {
