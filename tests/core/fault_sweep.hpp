@@ -17,13 +17,17 @@ namespace kwtest {
 struct FaultCase {
     std::string name;
     std::function<std::function<int()>(StorageStacks *)> prepare;
+    // When given: the lists a successful call leaves its blocks on, and how many.
+    std::vector<std::pair<int, int>> lists = {};
 };
 
 inline void PrintTo(const FaultCase &c, std::ostream *os) { *os << c.name; }
 
 // A case whose call needs nothing prepared.
-inline FaultCase call(std::string name, std::function<int(StorageStacks *)> run) {
-    return {std::move(name), [run](StorageStacks *stk) { return std::function<int()>([=] { return run(stk); }); }};
+inline FaultCase call(std::string name, std::function<int(StorageStacks *)> run,
+                      std::vector<std::pair<int, int>> lists = {}) {
+    return {std::move(name), [run](StorageStacks *stk) { return std::function<int()>([=] { return run(stk); }); },
+            std::move(lists)};
 }
 
 inline int status(const void *p) { return p ? 0 : 1; }
@@ -44,10 +48,12 @@ inline std::vector<std::string> sweep(const FaultCase &c) {
         const int st = run();
         const bool fired = kw::fault::fired();
         kw::fault::fail_at(0);
+        const Census left = census(&stk);
         N_enurbs(&stk);
         EXPECT_TRUE(all_empty(&stk));
         if (!fired) {
             EXPECT_EQ(st, 0);
+            if (!c.lists.empty()) EXPECT_EQ(left, nodes_on(c.lists)) << "lists of a successful call";
             return names;
         }
         EXPECT_EQ(st, 1);

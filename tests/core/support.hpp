@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "core/storage.hpp"
 #include "knotwork.h"
@@ -32,6 +34,12 @@ inline Census census(const StorageStacks *stk) {
     return c;
 }
 inline bool all_empty(const StorageStacks *stk) { return census(stk) == Census{}; }
+// The census of a context holding the given numbers of nodes on the given lists.
+inline Census nodes_on(const std::vector<std::pair<int, int>> &lists) {
+    Census c{};
+    for (const auto &[list, count] : lists) c[list] = count;
+    return c;
+}
 
 // Whether list holds a node for block.
 inline bool holds(const StorageStacks *stk, int list, const void *block) {
