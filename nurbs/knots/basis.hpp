@@ -1,0 +1,204 @@
+// The innermost numerical steps of every evaluator: span search, the
+// non-zero B-spline basis functions, their derivatives, and the derivatives
+// of rational basis functions. Inline and allocation-free, with fixed tables
+// as wide as the greatest degree; callers have checked their inputs.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "knotwork/types.h"
+
+namespace kw {
+
+// Width of the fixed tables: the p + 1 basis functions of the greatest degree.
+inline constexpr int kTable = KW_MAX_DEGREE + 1;
+// Rows of the fixed derivative tables: orders 0 to KW_MAX_ORDER.
+inline constexpr int kOrders = KW_MAX_ORDER + 1;
+
+// Whether u lies in the knot interval [U[a], U[b]) from the right (side 1)
+// or (U[a], U[b]] from the left (any other side).
+inline bool in_interval(const double *U, int32_t a, int32_t b, double u, int16_t side) noexcept {
+    return side == KW_LEFT ? U[a] < u && u <= U[b] : U[a] <= u && u < U[b];
+}
+
+// The span i of u in a knot vector U[0..m] of degree p: U[i] <= u < U[i+1]
+// from the right, U[i] < u <= U[i+1] from the left (side 2; any other side
+// counts as the right). The domain end U[m-p] belongs to the last span from
+// the right, the start U[p] to the first from the left. The bisection keeps
+// U[low] <= u < U[high] (U[low] < u <= U[high]) and ends after log2(m) steps
+// whatever the knots hold; a u outside [U[p], U[m-p]] takes the nearer end
+// span.
+inline int32_t find_span(const double *U, int32_t m, int p, double u, int16_t side) noexcept {
+    int32_t low = p, high = m - p;
+    if (side == KW_LEFT) {
+        if (u <= U[low]) return low;
+        if (u > U[high]) return high - 1;
+        while (high - low > 1) {
+            const int32_t mid = (low + high) / 2;
+            if (u <= U[mid]) high = mid;
+            else low = mid;
+        }
+        return low;
+    }
+    if (u >= U[high]) return high - 1;
+    if (u < U[low]) return low;
+    while (high - low > 1) {
+        const int32_t mid = (low + high) / 2;
+        if (u < U[mid]) high = mid;
+        else low = mid;
+    }
+    return low;
+}
+
+// N[r] := N[span-p+r, p](u), r = 0..p, by the Cox-de Boor triangle.
+inline void basis_funs(const double *U, int32_t span, int p, double u, double *N) noexcept {
+    double left[kTable], right[kTable];
+    N[0] = 1.0;
+    for (int j = 1; j <= p; ++j) {
+        left[j] = u - U[span + 1 - j];
+        right[j] = U[span + j] - u;
+        double saved = 0.0;
+        for (int r = 0; r < j; ++r) {
+            const double temp = N[r] / (right[r + 1] + left[j - r]);
+            N[r] = saved + right[r + 1] * temp;
+            saved = left[j - r] * temp;
+        }
+        N[j] = saved;
+    }
+}
+
+// The non-zero basis functions at u, N[0..p], and their span. At the end
+// knots the end function is exactly 1 from either side; elsewhere the side
+// chooses the span.
+inline int32_t nonzero_basis(const double *U, int32_t m, int p, double u, int16_t side,
+                             double *N) noexcept {
+    if (u == U[m - p]) {
+        std::fill_n(N, p, 0.0);
+        N[p] = 1.0;
+        return m - p - 1;
+    }
+    if (u == U[p]) {
+        N[0] = 1.0;
+        std::fill_n(N + 1, p, 0.0);
+        return p;
+    }
+    const int32_t span = find_span(U, m, p, u, side);
+    basis_funs(U, span, p, u, N);
+    return span;
+}
+
+// The single function N[i, p](u) by the local triangle over its own knots
+// U[i..i+p+1]; N is a work array of p + 1 doubles. The end knots are the
+// caller's business.
+inline double one_basis(const double *U, int32_t i, int p, double u, int16_t side,
+                        double *N) noexcept {
+    for (int j = 0; j <= p; ++j) N[j] = in_interval(U, i + j, i + j + 1, u, side) ? 1.0 : 0.0;
+    for (int k = 1; k <= p; ++k) {
+        double saved = N[0] == 0.0 ? 0.0 : (u - U[i]) * N[0] / (U[i + k] - U[i]);
+        for (int j = 0; j <= p - k; ++j) {
+            const double Uleft = U[i + j + 1], Uright = U[i + j + k + 1];
+            if (N[j + 1] == 0.0) {
+                N[j] = saved;
+                saved = 0.0;
+            } else {
+                const double temp = N[j + 1] / (Uright - Uleft);
+                N[j] = saved + (Uright - u) * temp;
+                saved = (u - Uleft) * temp;
+            }
+        }
+    }
+    return N[0];
+}
+
+// ders[k][r] := the k-th derivative of N[span-p+r, p](u), k = 0..du (du <= p).
+// Work tables: ndu (p+1) x (p+1), whose lower triangle holds knot
+// differences and upper triangle the functions of rising degree; a 2 x (p+1)
+// with alternating rows; left and right of p+1. Table is a row-pointer array
+// or a fixed 2-D array, so one body serves the allocated and the local form.
+template <class Table, class Out>
+void basis_ders(const double *U, int32_t span, int p, double u, int du, Table ndu, double *left,
+                double *right, Table a, Out ders) noexcept {
+    ndu[0][0] = 1.0;
+    for (int j = 1; j <= p; ++j) {
+        left[j] = u - U[span + 1 - j];
+        right[j] = U[span + j] - u;
+        double saved = 0.0;
+        for (int r = 0; r < j; ++r) {
+            ndu[j][r] = right[r + 1] + left[j - r];
+            const double temp = ndu[r][j - 1] / ndu[j][r];
+            ndu[r][j] = saved + right[r + 1] * temp;
+            saved = left[j - r] * temp;
+        }
+        ndu[j][j] = saved;
+    }
+    for (int j = 0; j <= p; ++j) ders[0][j] = ndu[j][p];
+    for (int r = 0; r <= p; ++r) {
+        int s1 = 0, s2 = 1;
+        a[0][0] = 1.0;
+        for (int k = 1; k <= du; ++k) {
+            double d = 0.0;
+            const int rk = r - k, pk = p - k;
+            if (r >= k) {
+                a[s2][0] = a[s1][0] / ndu[pk + 1][rk];
+                d = a[s2][0] * ndu[rk][pk];
+            }
+            const int j1 = rk >= -1 ? 1 : -rk;
+            const int j2 = r - 1 <= pk ? k - 1 : p - r;
+            for (int j = j1; j <= j2; ++j) {
+                a[s2][j] = (a[s1][j] - a[s1][j - 1]) / ndu[pk + 1][rk + j];
+                d += a[s2][j] * ndu[rk + j][pk];
+            }
+            if (r <= pk) {
+                a[s2][k] = -a[s1][k - 1] / ndu[pk + 1][r];
+                d += a[s2][k] * ndu[r][pk];
+            }
+            ders[k][r] = d;
+            std::swap(s1, s2);
+        }
+    }
+    double f = p;
+    for (int k = 1; k <= du; ++k) {
+        for (int j = 0; j <= p; ++j) ders[k][j] *= f;
+        f *= p - k;
+    }
+}
+
+// Binomial coefficients of the orders the evaluators accept, by Pascal's
+// rule.
+struct Binomials {
+    double c[kOrders][kOrders] = {};
+};
+constexpr Binomials make_binomials() noexcept {
+    Binomials b;
+    for (int d = 0; d < kOrders; ++d) {
+        b.c[d][0] = b.c[d][d] = 1.0;
+        for (int i = 1; i <= d / 2; ++i) b.c[d][i] = b.c[d][d - i] = b.c[d - 1][i - 1] + b.c[d - 1][i];
+    }
+    return b;
+}
+inline constexpr Binomials kBinomial = make_binomials();
+
+// Turns ders[0..k][0..p], derivatives of the basis functions, in place into
+// those of the rational basis functions R[j] = w[j] N[j] / W with
+// W = sum w[j] N[j]: R^(d) = (w ders^(d) - sum_i Bin(d, i) W^(i) R^(d-i)) / W,
+// rising in d so that the lower orders are already rational. k <= KW_MAX_ORDER;
+// w is anything that gives the weights as w[j].
+template <class Rows, class Weights>
+void rational_ders(Rows ders, const Weights &w, int k, int p) noexcept {
+    double W[kOrders];
+    for (int d = 0; d <= k; ++d) {
+        W[d] = 0.0;
+        for (int j = 0; j <= p; ++j) W[d] += ders[d][j] * w[j];
+    }
+    for (int j = 0; j <= p; ++j) {
+        for (int d = 0; d <= k; ++d) {
+            double v = w[j] * ders[d][j];
+            for (int i = 1; i <= d; ++i) v -= kBinomial.c[d][i] * W[i] * ders[d - i][j];
+            ders[d][j] = v / W[0];
+        }
+    }
+}
+
+}  // namespace kw
