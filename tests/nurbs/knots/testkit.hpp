@@ -15,9 +15,14 @@
 #include <vector>
 
 #include "core/alloc.hpp"
+#include "core/arith.hpp"
 #include "knotwork.h"
 
 namespace kwtest {
+
+using kw::operator+;
+using kw::operator-;
+using kw::operator*;
 
 class Rng {
 public:
@@ -141,6 +146,19 @@ inline std::vector<Shape> shapes() {
     return out;
 }
 
+// Calls f(shape, curve, ctx, rng) on count random curves of every shape,
+// each on a context of its own.
+template <class F>
+void each_curve(uint64_t seed, int count, F f) {
+    Rng rng(seed);
+    for (const Shape &sh : shapes())
+        for (int c = 0; c < count; ++c) {
+            Context ctx;
+            Curve cur = random_curve(rng, sh, ctx);
+            f(sh, cur, ctx, rng);
+        }
+}
+
 // ---- Independent references ----------------------------------------------
 
 // The span by a linear scan: the last non-empty span that starts at or
@@ -243,6 +261,25 @@ inline std::vector<Point> ref_curve_ders(const Curve &cur, double u, int side, i
         C.push_back(Point{v[0] / A[0][3], v[1] / A[0][3], v[2] / A[0][3]});
     }
     return C;
+}
+
+// ---- Finite differences ---------------------------------------------------------
+
+// The second-order one-sided difference at 0 of f (doubles or Points)
+// towards dir (-1 or +1).
+template <class F>
+auto one_sided(F f, double h, int dir) {
+    return (dir / (2.0 * h)) * (-3.0 * f(0.0) + 4.0 * f(dir * h) - f(2.0 * dir * h));
+}
+
+// f() with knot j of knt moved by t, the knot restored afterwards.
+template <class F>
+auto knot_moved(KnotVector *knt, int j, double t, F f) {
+    const double keep = knt->U[j];
+    knt->U[j] = keep + t;
+    const auto value = f();
+    knt->U[j] = keep;
+    return value;
 }
 
 // ---- Comparisons ------------------------------------------------------------
