@@ -86,8 +86,11 @@ int16_t N_curder(const Curve *cur, double u, int16_t side, int16_t k, Point *CK)
     static char name[] = "N_CURDER";
     if (check_eval(cur, u, name)) return 1;
     if (k < 0 || k > KW_MAX_ORDER) return fail(KW_EORDER, name);
+    // The span search's own checks have passed but the side's; a bad side
+    // is its to record.
     int32_t span;
-    if (N_kntfsp(cur->knt, cur->p, u, side, &span)) return 1;
+    if (!valid_side(side)) return N_kntfsp(cur->knt, cur->p, u, side, &span);
+    span = find_span(cur->knt->U, cur->knt->m, cur->p, u, side);
     curve_ders(cur->knt->U, cur->p, cur->pol->Pw, span, u, k, CK);
     return 0;
 }

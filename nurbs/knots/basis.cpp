@@ -100,7 +100,7 @@ int16_t N_kntalb(const KnotVector *knt, int16_t p, double u, int16_t side, doubl
     static char name[] = "N_KNTALB";
     if (check_knots(knt, p, name) || check_param(knt, u, name)) return 1;
     note_side(knt, p, u, side);
-    *span = nonzero_basis(knt->U, knt->m, p, u, side, N);
+    *span = with_degree(p, [&](auto P) { return nonzero_basis(knt->U, knt->m, P, u, side, N); });
     return 0;
 }
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 
 #include "knotwork/types.h"
@@ -17,6 +18,29 @@ inline constexpr int kTable = KW_MAX_DEGREE + 1;
 // Rows of the fixed derivative tables: orders 0 to KW_MAX_ORDER.
 inline constexpr int kOrders = KW_MAX_ORDER + 1;
 
+// The hot kernels are inlined into their callers whatever the heuristics
+// say: a call costs as much as a low-degree basis.
+#define KW_HOT inline __attribute__((always_inline))
+
+// A degree as the kernels take it: an int, or std::integral_constant for the
+// common low degrees, so that one body serves both and the compiler unrolls
+// the fixed ones.
+template <int P>
+using Degree = std::integral_constant<int, P>;
+
+// f(p) with p as a compile-time degree where it is one of the common ones.
+template <class F>
+KW_HOT decltype(auto) with_degree(int p, F &&f) {
+    switch (p) {
+    case 1: return f(Degree<1>{});
+    case 2: return f(Degree<2>{});
+    case 3: return f(Degree<3>{});
+    case 4: return f(Degree<4>{});
+    case 5: return f(Degree<5>{});
+    default: return f(p);
+    }
+}
+
 // Whether u lies in the knot interval [U[a], U[b]) from the right (side 1)
 // or (U[a], U[b]] from the left (any other side).
 inline bool in_interval(const double *U, int32_t a, int32_t b, double u, int16_t side) noexcept {
@@ -27,33 +51,44 @@ inline bool in_interval(const double *U, int32_t a, int32_t b, double u, int16_t
 // from the right, U[i] < u <= U[i+1] from the left (side 2; any other side
 // counts as the right). The domain end U[m-p] belongs to the last span from
 // the right, the start U[p] to the first from the left. The bisection keeps
-// U[low] <= u < U[high] (U[low] < u <= U[high]) and ends after log2(m) steps
-// whatever the knots hold; a u outside [U[p], U[m-p]] takes the nearer end
-// span.
-inline int32_t find_span(const double *U, int32_t m, int p, double u, int16_t side) noexcept {
-    int32_t low = p, high = m - p;
-    if (side == KW_LEFT) {
-        if (u <= U[low]) return low;
-        if (u > U[high]) return high - 1;
-        while (high - low > 1) {
-            const int32_t mid = (low + high) / 2;
-            if (u <= U[mid]) high = mid;
-            else low = mid;
-        }
-        return low;
-    }
-    if (u >= U[high]) return high - 1;
-    if (u < U[low]) return low;
-    while (high - low > 1) {
-        const int32_t mid = (low + high) / 2;
-        if (u < U[mid]) high = mid;
-        else low = mid;
+// U[low] <= u < U[low+len] (U[low] < u <= U[low+len]) and ends after
+// log2(m) steps whatever the knots hold; a u outside [U[p], U[m-p]] takes
+// the nearer end span.
+KW_HOT int32_t find_span(const double *U, int32_t m, int p, double u, int16_t side) noexcept {
+    // Whether u lies past knot i, in a span that starts at i or later.
+    const bool from_left = side == KW_LEFT;
+    auto past = [=](int32_t i) { return from_left ? U[i] < u : U[i] <= u; };
+    // Branch-free halving of [low, low + len): each step costs one load and a
+    // conditional move, whatever the order in which parameters come.
+    int32_t low = p, len = m - 2 * p;
+    if (past(low + len)) return low + len - 1;
+    if (!past(low)) return low;
+    while (len > 1) {
+        const int32_t half = len / 2;
+        low = past(low + half) ? low + half : low;
+        len -= half;
     }
     return low;
 }
 
-// N[r] := N[span-p+r, p](u), r = 0..p, by the Cox-de Boor triangle.
-inline void basis_funs(const double *U, int32_t span, int p, double u, double *N) noexcept {
+// The denominators of the Cox-de Boor triangle are knot differences of the
+// span alone, U[span+r+1] - U[span+1-j+r] in round j: their reciprocals,
+// packed by rounds, can be computed at once (independent divisions, which
+// pipeline) and shared by every evaluation in the span.
+inline constexpr int kTriangle = KW_MAX_DEGREE * (KW_MAX_DEGREE + 1) / 2;
+constexpr int round_start(int j) noexcept { return j * (j - 1) / 2; }
+
+template <class Deg>
+KW_HOT void span_inverses(const double *U, int32_t span, Deg p, double *inv) noexcept {
+    for (int j = 1; j <= p; ++j)
+        for (int r = 0; r < j; ++r) inv[round_start(j) + r] = 1.0 / (U[span + r + 1] - U[span + 1 - j + r]);
+}
+
+// N[r] := N[span-p+r, p](u), r = 0..p, by the Cox-de Boor triangle over the
+// reciprocals of span_inverses.
+template <class Deg>
+KW_HOT void basis_funs(const double *U, int32_t span, Deg p, double u, const double *inv,
+                       double *N) noexcept {
     double left[kTable], right[kTable];
     N[0] = 1.0;
     for (int j = 1; j <= p; ++j) {
@@ -61,7 +96,7 @@ inline void basis_funs(const double *U, int32_t span, int p, double u, double *N
         right[j] = U[span + j] - u;
         double saved = 0.0;
         for (int r = 0; r < j; ++r) {
-            const double temp = N[r] / (right[r + 1] + left[j - r]);
+            const double temp = N[r] * inv[round_start(j) + r];
             N[r] = saved + right[r + 1] * temp;
             saved = left[j - r] * temp;
         }
@@ -69,19 +104,27 @@ inline void basis_funs(const double *U, int32_t span, int p, double u, double *N
     }
 }
 
+template <class Deg>
+KW_HOT void basis_funs(const double *U, int32_t span, Deg p, double u, double *N) noexcept {
+    double inv[kTriangle];
+    span_inverses(U, span, p, inv);
+    basis_funs(U, span, p, u, inv, N);
+}
+
 // The non-zero basis functions at u, N[0..p], and their span. At the end
 // knots the end function is exactly 1 from either side; elsewhere the side
 // chooses the span.
-inline int32_t nonzero_basis(const double *U, int32_t m, int p, double u, int16_t side,
+template <class Deg>
+KW_HOT int32_t nonzero_basis(const double *U, int32_t m, Deg p, double u, int16_t side,
                              double *N) noexcept {
     if (u == U[m - p]) {
-        std::fill_n(N, p, 0.0);
+        std::fill_n(N, int(p), 0.0);
         N[p] = 1.0;
         return m - p - 1;
     }
     if (u == U[p]) {
         N[0] = 1.0;
-        std::fill_n(N + 1, p, 0.0);
+        std::fill_n(N + 1, int(p), 0.0);
         return p;
     }
     const int32_t span = find_span(U, m, p, u, side);
@@ -113,21 +156,25 @@ inline double one_basis(const double *U, int32_t i, int p, double u, int16_t sid
 }
 
 // ders[k][r] := the k-th derivative of N[span-p+r, p](u), k = 0..du (du <= p).
-// Work tables: ndu (p+1) x (p+1), whose lower triangle holds knot
-// differences and upper triangle the functions of rising degree; a 2 x (p+1)
-// with alternating rows; left and right of p+1. Table is a row-pointer array
-// or a fixed 2-D array, so one body serves the allocated and the local form.
-template <class Table, class Out>
-void basis_ders(const double *U, int32_t span, int p, double u, int du, Table ndu, double *left,
-                double *right, Table a, Out ders) noexcept {
+// Work tables: ndu (p+1) x (p+1), whose lower triangle holds the
+// reciprocal knot differences (ndu[j][r] that of round j, index r, as in
+// span_inverses) and upper triangle the functions of rising degree; a
+// 2 x (p+1) with alternating rows; left and right of p+1. Every division is
+// one of the reciprocals, taken at once before the recursions. Table is a
+// row-pointer array or a fixed 2-D array, so one body serves the allocated
+// and the local form.
+template <class Table, class Out, class Deg>
+KW_HOT void basis_ders(const double *U, int32_t span, Deg p, double u, int du, Table ndu,
+                       double *left, double *right, Table a, Out ders) noexcept {
+    for (int j = 1; j <= p; ++j)
+        for (int r = 0; r < j; ++r) ndu[j][r] = 1.0 / (U[span + r + 1] - U[span + 1 - j + r]);
     ndu[0][0] = 1.0;
     for (int j = 1; j <= p; ++j) {
         left[j] = u - U[span + 1 - j];
         right[j] = U[span + j] - u;
         double saved = 0.0;
         for (int r = 0; r < j; ++r) {
-            ndu[j][r] = right[r + 1] + left[j - r];
-            const double temp = ndu[r][j - 1] / ndu[j][r];
+            const double temp = ndu[r][j - 1] * ndu[j][r];
             ndu[r][j] = saved + right[r + 1] * temp;
             saved = left[j - r] * temp;
         }
@@ -141,17 +188,17 @@ void basis_ders(const double *U, int32_t span, int p, double u, int du, Table nd
             double d = 0.0;
             const int rk = r - k, pk = p - k;
             if (r >= k) {
-                a[s2][0] = a[s1][0] / ndu[pk + 1][rk];
+                a[s2][0] = a[s1][0] * ndu[pk + 1][rk];
                 d = a[s2][0] * ndu[rk][pk];
             }
             const int j1 = rk >= -1 ? 1 : -rk;
             const int j2 = r - 1 <= pk ? k - 1 : p - r;
             for (int j = j1; j <= j2; ++j) {
-                a[s2][j] = (a[s1][j] - a[s1][j - 1]) / ndu[pk + 1][rk + j];
+                a[s2][j] = (a[s1][j] - a[s1][j - 1]) * ndu[pk + 1][rk + j];
                 d += a[s2][j] * ndu[rk + j][pk];
             }
             if (r <= pk) {
-                a[s2][k] = -a[s1][k - 1] / ndu[pk + 1][r];
+                a[s2][k] = -a[s1][k - 1] * ndu[pk + 1][r];
                 d += a[s2][k] * ndu[r][pk];
             }
             ders[k][r] = d;
@@ -185,8 +232,8 @@ inline constexpr Binomials kBinomial = make_binomials();
 // W = sum w[j] N[j]: R^(d) = (w ders^(d) - sum_i Bin(d, i) W^(i) R^(d-i)) / W,
 // rising in d so that the lower orders are already rational. k <= KW_MAX_ORDER;
 // w is anything that gives the weights as w[j].
-template <class Rows, class Weights>
-void rational_ders(Rows ders, const Weights &w, int k, int p) noexcept {
+template <class Rows, class Weights, class Deg>
+KW_HOT void rational_ders(Rows ders, const Weights &w, int k, Deg p) noexcept {
     double W[kOrders];
     for (int d = 0; d <= k; ++d) {
         W[d] = 0.0;
