@@ -72,43 +72,46 @@ KW_HOT int32_t find_span(const double *U, int32_t m, int p, double u, int16_t si
 }
 
 // The denominators of the Cox-de Boor triangle are knot differences of the
-// span alone, U[span+r+1] - U[span+1-j+r] in round j: their reciprocals,
-// packed by rounds, can be computed at once (independent divisions, which
-// pipeline) and shared by every evaluation in the span.
-inline constexpr int kTriangle = KW_MAX_DEGREE * (KW_MAX_DEGREE + 1) / 2;
-constexpr int round_start(int j) noexcept { return j * (j - 1) / 2; }
-
-template <class Deg>
-KW_HOT void span_inverses(const double *U, int32_t span, Deg p, double *inv) noexcept {
+// span alone, U[span+r+1] - U[span+1-j+r] in round j = 1..p, r = 0..j-1:
+// their reciprocals can be taken at once (independent divisions, which
+// pipeline) and shared by every evaluation in the span. inverse(j, r)
+// receives each.
+template <class Deg, class Inverse>
+KW_HOT void span_inverses(const double *U, int32_t span, Deg p, Inverse inverse) noexcept {
     for (int j = 1; j <= p; ++j)
-        for (int r = 0; r < j; ++r) inv[round_start(j) + r] = 1.0 / (U[span + r + 1] - U[span + 1 - j + r]);
+        for (int r = 0; r < j; ++r) inverse(j, r) = 1.0 / (U[span + r + 1] - U[span + 1 - j + r]);
 }
 
-// N[r] := N[span-p+r, p](u), r = 0..p, by the Cox-de Boor triangle over the
-// reciprocals of span_inverses.
-template <class Deg>
-KW_HOT void basis_funs(const double *U, int32_t span, Deg p, double u, const double *inv,
-                       double *N) noexcept {
-    double left[kTable], right[kTable];
-    N[0] = 1.0;
+// The Cox-de Boor triangle over those reciprocals: value(r, j) is the
+// function N[span-j+r, j](u) of degree j. One body serves the rolling row of
+// the point evaluators (value(r, j) = N[r] for every j) and the full table of
+// the derivatives (value(r, j) = ndu[r][j]).
+template <class Deg, class Inverse, class Value>
+KW_HOT void cox_de_boor(const double *U, int32_t span, Deg p, double u, double *left, double *right,
+                        Inverse inverse, Value value) noexcept {
+    value(0, 0) = 1.0;
     for (int j = 1; j <= p; ++j) {
         left[j] = u - U[span + 1 - j];
         right[j] = U[span + j] - u;
         double saved = 0.0;
         for (int r = 0; r < j; ++r) {
-            const double temp = N[r] * inv[round_start(j) + r];
-            N[r] = saved + right[r + 1] * temp;
+            const double temp = value(r, j - 1) * inverse(j, r);
+            value(r, j) = saved + right[r + 1] * temp;
             saved = left[j - r] * temp;
         }
-        N[j] = saved;
+        value(j, j) = saved;
     }
 }
 
+inline constexpr int kTriangle = KW_MAX_DEGREE * (KW_MAX_DEGREE + 1) / 2;
+
+// N[r] := N[span-p+r, p](u), r = 0..p.
 template <class Deg>
 KW_HOT void basis_funs(const double *U, int32_t span, Deg p, double u, double *N) noexcept {
-    double inv[kTriangle];
-    span_inverses(U, span, p, inv);
-    basis_funs(U, span, p, u, inv, N);
+    double inv[kTriangle], left[kTable], right[kTable];
+    auto inverse = [&inv](int j, int r) -> double & { return inv[j * (j - 1) / 2 + r]; };
+    span_inverses(U, span, p, inverse);
+    cox_de_boor(U, span, p, u, left, right, inverse, [N](int r, int) -> double & { return N[r]; });
 }
 
 // The non-zero basis functions at u, N[0..p], and their span. At the end
@@ -157,29 +160,18 @@ inline double one_basis(const double *U, int32_t i, int p, double u, int16_t sid
 
 // ders[k][r] := the k-th derivative of N[span-p+r, p](u), k = 0..du (du <= p).
 // Work tables: ndu (p+1) x (p+1), whose lower triangle holds the
-// reciprocal knot differences (ndu[j][r] that of round j, index r, as in
-// span_inverses) and upper triangle the functions of rising degree; a
-// 2 x (p+1) with alternating rows; left and right of p+1. Every division is
-// one of the reciprocals, taken at once before the recursions. Table is a
-// row-pointer array or a fixed 2-D array, so one body serves the allocated
-// and the local form.
+// reciprocal knot differences (ndu[j][r] that of round j, index r) and upper
+// triangle the functions of rising degree; a 2 x (p+1) with alternating
+// rows; left and right of p+1. Every division is one of the reciprocals,
+// taken at once before the recursions. Table is a row-pointer array or a
+// fixed 2-D array, so one body serves the allocated and the local form.
 template <class Table, class Out, class Deg>
 KW_HOT void basis_ders(const double *U, int32_t span, Deg p, double u, int du, Table ndu,
                        double *left, double *right, Table a, Out ders) noexcept {
-    for (int j = 1; j <= p; ++j)
-        for (int r = 0; r < j; ++r) ndu[j][r] = 1.0 / (U[span + r + 1] - U[span + 1 - j + r]);
-    ndu[0][0] = 1.0;
-    for (int j = 1; j <= p; ++j) {
-        left[j] = u - U[span + 1 - j];
-        right[j] = U[span + j] - u;
-        double saved = 0.0;
-        for (int r = 0; r < j; ++r) {
-            const double temp = ndu[r][j - 1] * ndu[j][r];
-            ndu[r][j] = saved + right[r + 1] * temp;
-            saved = left[j - r] * temp;
-        }
-        ndu[j][j] = saved;
-    }
+    // The lower triangle holds the reciprocals, the upper the functions.
+    auto inverse = [ndu](int j, int r) -> double & { return ndu[j][r]; };
+    span_inverses(U, span, p, inverse);
+    cox_de_boor(U, span, p, u, left, right, inverse, [ndu](int r, int j) -> double & { return ndu[r][j]; });
     for (int j = 0; j <= p; ++j) ders[0][j] = ndu[j][p];
     for (int r = 0; r <= p; ++r) {
         int s1 = 0, s2 = 1;
