@@ -84,7 +84,8 @@ KW_API int16_t N_kntakr(const Curve *cur, int32_t j, double u, int16_t kside, in
    0 <= i <= n; 13. */
 KW_API int16_t N_kntcbf(const Curve *cur, int32_t i, double u, int16_t side, double *R);
 /* *R := the rational basis function N[i](u) w[i] / sum N[k](u) w[k]; unit
-   weights for a non-rational curve. Codes as N_kntcbf. */
+   weights for a non-rational curve. Codes as N_kntcbf, and 11 when the sum
+   vanishes (weights that are not positive). */
 KW_API int16_t N_kntrcb(const Curve *cur, int32_t i, double u, int16_t side, double *R);
 /* *R := N[i,p](u) N[j,q](v) of a polynomial surface, the rational basis
    function of a rational one. Allocates nothing. 2 and 3 for a surface

@@ -144,16 +144,7 @@ int16_t N_cfndrk(const CurveFunction *cfn, int32_t j, double u, int16_t kside, i
 
 int16_t N_cfnrbf(const CurveFunction *cfn, int32_t i, double u, int16_t side, double *R) {
     static char name[] = "N_CFNRBF";
-    if (check_eval(cfn, u, name)) return 1;
-    const int16_t p = cfn->p;
+    if (check_shape(cfn, name)) return 1;
     const double *f = cfn->cvl->v;
-    if (i < 0 || i > cfn->cvl->n) return fail(KW_ESIZE, name);
-    if (!valid_side(side)) return fail(KW_ECASE, name);
-    double N[kTable];
-    const int32_t span = nonzero_basis(cfn->knt->U, cfn->knt->m, p, u, side, N);
-    const double fu = accumulate(N, f + span - p, p);
-    if (fu == 0.0) return fail(KW_ESINGULAR, name);
-    const int32_t r = i - span + p;
-    *R = r >= 0 && r <= p ? N[r] * f[i] / fu : 0.0;
-    return 0;
+    return basis_at(cfn, i, u, side, true, [f](int32_t k) { return f[k]; }, R, name);
 }

@@ -20,25 +20,14 @@ double weight_of(const ControlPoint &P) noexcept { return rational(P) ? P.w : 1.
 // names a function that vanishes there.
 double entry(const double *N, int32_t r, int p) noexcept { return r >= 0 && r <= p ? N[r] : 0.0; }
 
-// Basis function i of a curve at u; with weights (forced, or because the
-// curve is rational) the rational one, N[i] w[i] / sum N[k] w[k].
+// A curve's basis function i at u, rational when forced or when the curve
+// is; a missing weight counts as 1.
 int16_t curve_basis(const Curve *cur, int32_t i, double u, int16_t side, bool force_weights,
                     double *R, char *name) noexcept {
-    if (check_shape(cur, name) || check_param(cur->knt, u, name)) return 1;
-    const int16_t p = cur->p;
+    if (check_shape(cur, name)) return 1;
     const ControlPoint *Pw = cur->pol->Pw;
-    if (i < 0 || i > cur->pol->n) return fail(KW_ESIZE, name);
-    if (!valid_side(side)) return fail(KW_ECASE, name);
-    double N[kTable];
-    const int32_t span = nonzero_basis(cur->knt->U, cur->knt->m, p, u, side, N);
-    double value = entry(N, i - span + p, p);
-    if (value != 0.0 && (force_weights || rational(Pw[0]))) {
-        double W = 0.0;
-        for (int k = 0; k <= p; ++k) W += N[k] * weight_of(Pw[span - p + k]);
-        value = value * weight_of(Pw[i]) / W;
-    }
-    *R = value;
-    return 0;
+    return basis_at(cur, i, u, side, force_weights || rational(Pw[0]),
+                    [Pw](int32_t k) { return weight_of(Pw[k]); }, R, name);
 }
 
 // The same for a surface: the product N[i,p](u) N[j,q](v), weighted like a

@@ -57,6 +57,28 @@ inline int16_t locate(const KnotVector *knt, int16_t p, double u, int16_t side, 
     return 0;
 }
 
+// Basis function i of a curve or curve function at u: N[i](u), or with a
+// weight function w(k) the rational N[i] w(i) / sum N[k] w(k) (11 when the
+// sum vanishes). 7 for i outside 0..n, 13 for the side.
+template <class R, class Weight>
+int16_t basis_at(const R *r, int32_t i, double u, int16_t side, bool weighted, Weight w,
+                 double *value, char *name) noexcept {
+    if (check_shape(r, name) || check_param(r->knt, u, name)) return 1;
+    if (i < 0 || i > holder(*r)->n) return fail(KW_ESIZE, name);
+    if (!valid_side(side)) return fail(KW_ECASE, name);
+    const int p = r->p;
+    double N[kTable], W = 0.0;
+    const int32_t span = nonzero_basis(r->knt->U, r->knt->m, p, u, side, N);
+    double v = i < span - p || i > span ? 0.0 : N[i - span + p];
+    if (weighted) {
+        for (int k = 0; k <= p; ++k) W += N[k] * w(span - p + k);
+        if (W == 0.0) return fail(KW_ESINGULAR, name);
+        v = v * w(i) / W;
+    }
+    *value = v;
+    return 0;
+}
+
 // The innermost routines leave the side flag to their callers: where the
 // span search runs (away from the end knots), a bad one is recorded as the
 // span search records it (13, "N_KNTFSP"), and the result is computed from
