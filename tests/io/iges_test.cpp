@@ -286,18 +286,11 @@ TEST(IgesConvert, LinesMatricesSurfacesAndHelpers) {
     EXPECT_EQ(N_igs128(patch.data(), static_cast<int32_t>(patch.size()) - 1, &t, stk.get()), 1);
     EXPECT_EQ(E_errtyp(), KW_EARG);
 
-    int32_t v, A;
-    const double nums[3] = {3, -0.0, 1e10};
-    EXPECT_EQ(N_igspsn(nums, 2, 1, &v), 0);
-    EXPECT_EQ(v, 0);
-    EXPECT_EQ(N_igspsn(nums, 2, 2, &v), 1);
-    EXPECT_EQ(N_igspsn(nums, 2, 3, &v), 1);
-    EXPECT_EQ(N_igspnc(10, 5, 6), 0);
+    int32_t v;
+    const double nums[2] = {-0.0, 1e10};
+    EXPECT_EQ(N_igspsn(nums, 1, 0, &v), 0);
+    EXPECT_EQ(N_igspsn(nums, 1, 1, &v), 1);  // beyond 32 bits
     EXPECT_EQ(N_igspnc(10, 5, 7), 1);
-    EXPECT_EQ(N_igspnc(10, -1, 1), 1);
-    EXPECT_EQ(N_igspnk(2147483640, 20, &A), 1);
-    ASSERT_EQ(N_igspnk(4, 3, &A), 0);
-    EXPECT_EQ(A, 8);
     ControlPoint Pw[2];
     const double W[2] = {2, 4}, X[6] = {1, 2, 3, 4, 5, 6};
     EXPECT_EQ(N_igsccp(W, X, 1, 5, Pw), 1);
