@@ -87,6 +87,10 @@ void scale_weights(Obj *obj, double s) noexcept {
 
 // ---- Control points --------------------------------------------------------------
 
+// A B-spline entity of degree 0 would be a set of points, not a curve; the
+// library's knot check refuses it too.
+bool entity_degree_ok(int32_t M) noexcept { return M >= 1 && M <= U_maxdeg; }
+
 bool known_kind(int16_t kind) noexcept { return kind >= 1 && kind <= 4; }
 
 // Control point i of coordinates X (x, y, z each) and weights W, of a kind.
@@ -218,7 +222,7 @@ int16_t N_igs126(const double *par, int32_t np, Curve *cur, StorageStacks *stk) 
     int32_t K, M, planar_flag, A;
     if (N_igspsn(par, np, 0, &K) || N_igspsn(par, np, 1, &M) || N_igspsn(par, np, 2, &planar_flag))
         return 1;
-    if (M < 0 || M > U_maxdeg) return fail(KW_EDEGREE, name);
+    if (!entity_degree_ok(M)) return fail(KW_EDEGREE, name);
     if (N_igspnk(K, static_cast<int16_t>(M), &A)) return 1;
     // Where the knots, weights, coordinates and parameter range start.
     const int64_t t = 6, w = t + A + 1, x = w + K + 1, v = x + 3 * (static_cast<int64_t>(K) + 1);
@@ -243,7 +247,7 @@ int16_t N_igs128(const double *par, int32_t np, Surface *sur, StorageStacks *stk
     if (N_igspsn(par, np, 0, &K1) || N_igspsn(par, np, 1, &K2) || N_igspsn(par, np, 2, &M1) ||
         N_igspsn(par, np, 3, &M2))
         return 1;
-    if (M1 < 0 || M1 > U_maxdeg || M2 < 0 || M2 > U_maxdeg) return fail(KW_EDEGREE, name);
+    if (!entity_degree_ok(M1) || !entity_degree_ok(M2)) return fail(KW_EDEGREE, name);
     const auto p = static_cast<int16_t>(M1), q = static_cast<int16_t>(M2);
     if (N_igspnk(K1, p, &A1) || N_igspnk(K2, q, &A2)) return 1;
     const int64_t points = (static_cast<int64_t>(K1) + 1) * (static_cast<int64_t>(K2) + 1);

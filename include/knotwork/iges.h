@@ -62,7 +62,7 @@ KW_API int16_t N_igs124(const double *par, int32_t np, RealMatrix *mat, StorageS
    X0 Y0 Z0 .. XK YK ZK, the parameter range V0 V1 (then the unit normal,
    not used). The curve has control points 0..K and degree M. Codes 14 (a
    count that is not a whole number, K < M, or too few parameters), 3 (M
-   outside 0..U_maxdeg), 4 (N_igsvkb), 5 (a weight not positive and finite,
+   outside 1..U_maxdeg), 4 (N_igsvkb), 5 (a weight not positive and finite,
    or weights whose ratio no common factor brings into [U_minwei,
    U_maxwei]). Weights that all agree give a non-rational curve; otherwise
    they are scaled by a common factor only when needed to fit the weight

@@ -209,6 +209,7 @@ TEST(IgesConvert, CurveRefusalsAndTheirCodes) {
     const std::vector<Case> cases = {
         {"K not whole", [](auto &p) { p[0] = 2.5; }, KW_EARG, "N_IGSPSN"},
         {"degree 29", [](auto &p) { p[1] = 29; }, KW_EDEGREE, "N_IGS126"},
+        {"degree 0", [](auto &p) { p[1] = 0; }, KW_EDEGREE, "N_IGS126"},
         {"K below M", [](auto &p) { p[0] = 1; }, KW_EARG, "N_IGSPNK"},
         {"too few", [](auto &p) { p.resize(25); }, KW_EARG, "N_IGSPNC"},
         {"unclamped", [](auto &p) { p[6] = -1; }, KW_EKNOTS, "N_IGSVKB"},
@@ -229,6 +230,19 @@ TEST(IgesConvert, CurveRefusalsAndTheirCodes) {
         EXPECT_TRUE(U_iscurn(&c)) << k.what;
         EXPECT_TRUE(stk.empty()) << k.what;
     }
+    // Whatever the converter accepts, from any one parameter changed to an
+    // awkward value, is a valid curve.
+    for (std::size_t i = 0; i < arc_parameters().size(); ++i)
+        for (double x : {-1.0, 0.0, 0.25, 1.0, 2.0, 3.0, 1e10, -1e-300, double(NAN), double(INFINITY)}) {
+            Stacks stk;
+            Curve c;
+            std::vector<double> par = arc_parameters();
+            par[i] = x;
+            if (convert_curve(par, &c, stk.get()) == 0)
+                EXPECT_EQ(E_curinp(&c, const_cast<char *>("TEST")), 0) << i << " := " << x;
+            else
+                EXPECT_TRUE(U_iscurn(&c)) << i << " := " << x;
+        }
     // An existing result too small for the entity.
     Stacks stk;
     Curve small;
