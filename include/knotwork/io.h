@@ -20,9 +20,11 @@
 
    Every routine comes in two forms: one that opens a named file and one that
    works on a stream the caller opened (U_outcur / U_outcup, U_outp1d /
-   U_outp1s). A file form records code 18 under its own name when the file
-   cannot be opened or closed; everything else is recorded under the stream
-   form's name.
+   U_outp1s). Writers record their codes under their own names. A file-form
+   reader records under its own name what concerns the file (it cannot be
+   opened, or holds more than the object, code 18) and the codes of the
+   reading itself under the stream form's name ("U_INPCUP" for a curve read
+   by U_inpcur).
 
    Writers check the object first (E_curdef, E_surdef: codes 1, 2, 3; a null
    object or a negative count 14) and write nothing when it fails; 18 when

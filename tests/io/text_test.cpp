@@ -151,6 +151,30 @@ TEST(TextRoundTrip, SurfacesPointArraysAndCurveArrays) {
     expect_through_text(&b, cs[1]);
 }
 
+// The stream forms leave the stream at the next object.
+TEST(TextRoundTrip, SeveralObjectsInOneStream) {
+    Stacks stk;
+    std::mt19937_64 rng(8);
+    Curve a, b, ra, rb;
+    random_curve(&a, 3, 4, 2, rng, stk.get());
+    random_curve(&b, 2, 2, 1, rng, stk.get());
+    const Point P[2] = {{1, 2, 3}, {4, 5, 6}};
+    FILE *f = std::tmpfile();
+    ASSERT_EQ(U_outcup(&a, f) + U_outp1s(P, 1, f) + U_outcup(&b, f), 0);
+    std::rewind(f);
+    Point *Q;
+    int32_t n;
+    U_inicur(&ra);
+    U_inicur(&rb);
+    EXPECT_EQ(U_inpcup(&ra, f, 0, stk.get()), 0);
+    EXPECT_EQ(U_inpp1s(&Q, &n, f, stk.get()), 0);
+    EXPECT_EQ(U_inpcup(&rb, f, 0, stk.get()), 0);
+    std::fclose(f);
+    expect_through_text(&a, &ra);
+    expect_through_text(&b, &rb);
+    EXPECT_EQ(Q[1].z, 6.0);
+}
+
 TEST(TextLayout, TwoDimensionalCubicAndCheckedRead) {
     Stacks stk;
     Curve c, back;
