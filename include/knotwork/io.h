@@ -33,9 +33,9 @@
    Readers never trust the file. They record 18 for a file that ends early,
    holds something other than a number where one is due, or (file forms)
    holds anything after the object; 13 for a rational flag other than 0 or 1
-   or a dimension other than 2 or 3; 14 for a negative count or degree, one
-   whose sums overflow, or one that the rest of the file is too short to
-   hold. Every number must be followed by a blank or a line end, as the
+   or a dimension other than 2 or 3; 14 for a null output, a negative count
+   or degree, one whose sums overflow, or one that the rest of the file is
+   too short to hold. Every number must be followed by a blank or a line end, as the
    writers leave them. An object is read completely (and checked, when
    asked) before the caller's outputs are touched: on failure they are left
    as they were and nothing is left on stk except what a failed output check
