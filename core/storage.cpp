@@ -307,7 +307,7 @@ Curve **S_getcuc(int32_t n, StorageStacks *stk) {
 }
 Surface **S_getsu1(int32_t n, StorageStacks *stk) {
     static char name[] = "S_GETSU1";
-    return get_pointers<Surface *>(n, KW_LIST_SU2, name, stk);
+    return get_objects<Surface>(n, KW_LIST_SU2, name, stk, [stk] { return S_getsus(stk); });
 }
 Surface **S_getsua(int32_t n, StorageStacks *stk) {
     static char name[] = "S_GETSUA";

@@ -100,8 +100,9 @@ KW_API Curve **S_getcu1(int32_t n, int16_t flag, StorageStacks *stk);
 /* n+1 Curve pointers on the lists of 2-D curve arrays and of further ones. */
 KW_API Curve **S_getcub(int32_t n, StorageStacks *stk);
 KW_API Curve **S_getcuc(int32_t n, StorageStacks *stk);
-/* n+1 Surface pointers, left unset. */
+/* n+1 Surface pointers, each to a new empty record (U_inisur). */
 KW_API Surface **S_getsu1(int32_t n, StorageStacks *stk);
+/* n+1 Surface pointers, left unset. */
 KW_API Surface **S_getsua(int32_t n, StorageStacks *stk);
 /* n+1 KnotVector pointers, left unset. */
 KW_API KnotVector **S_getkpa(int32_t n, StorageStacks *stk);
