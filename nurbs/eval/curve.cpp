@@ -19,12 +19,12 @@ auto *coefficients(const R *r) noexcept {
 
 // The record agrees with itself and u lies in its knot range.
 template <class R>
-int16_t check_eval(const R *r, double u, char *name) noexcept {
+KW_HOT int16_t check_eval(const R *r, double u, char *name) noexcept {
     return check_shape(r, name) || check_param(r->knt, u, name);
 }
 
 template <class R>
-auto point_at(const R *r, double u, int16_t side) noexcept {
+KW_HOT auto point_at(const R *r, double u, int16_t side) noexcept {
     note_side(r->knt, r->p, u, side);
     return spline_point(r->knt->U, r->knt->m, r->p, coefficients(r), u, side);
 }

@@ -106,9 +106,12 @@ int16_t N_kntadb(const KnotVector *knt, int16_t p, double u, int16_t side, int16
     double **ndu = scratch.reals(p, p);
     double *left = ndu ? scratch.reals(p) : nullptr;
     double *right = left ? scratch.reals(p) : nullptr;
-    double **a = right ? scratch.reals(1, p) : nullptr;
-    if (!a) return 1;
-    basis_ders(knt->U, s, p, u, du, ndu, left, right, a, ders);
+    if (!right) return 1;
+    // The upper triangle of ndu holds the functions of rising degree.
+    Inverses<int> inverse;
+    inverse.fill(knt->U, s, p);
+    basis_ders(knt->U, s, p, u, du, inverse, [ndu](int r, int j) -> double & { return ndu[r][j]; }, left,
+               right, ders);
     return 0;
 }
 

@@ -1,11 +1,15 @@
 // The innermost numerical steps of every evaluator: span search, the
 // non-zero B-spline basis functions, their derivatives, and the derivatives
 // of rational basis functions. Inline and allocation-free, with fixed tables
-// as wide as the greatest degree; callers have checked their inputs.
+// as wide as the degree where it is fixed at compile time and as the
+// greatest degree otherwise; callers have checked their inputs.
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
+#include <cstring>
+#include <limits>
 #include <type_traits>
 #include <utility>
 
@@ -19,14 +23,76 @@ inline constexpr int kTable = KW_MAX_DEGREE + 1;
 inline constexpr int kOrders = KW_MAX_ORDER + 1;
 
 // The hot kernels are inlined into their callers whatever the heuristics
-// say: a call costs as much as a low-degree basis.
+// say: a call costs as much as a low-degree basis. KW_INLINE does the same
+// for the lambdas that with_degree instantiates.
 #define KW_HOT inline __attribute__((always_inline))
+#define KW_INLINE __attribute__((always_inline))
 
 // A degree as the kernels take it: an int, or std::integral_constant for the
 // common low degrees, so that one body serves both and the compiler unrolls
 // the fixed ones.
 template <int P>
 using Degree = std::integral_constant<int, P>;
+
+// The width of a table of p + 1 entries: exact for a fixed degree, the
+// greatest one otherwise.
+template <class Deg>
+inline constexpr int kWidth = kTable;
+template <int P>
+inline constexpr int kWidth<Degree<P>> = P + 1;
+
+template <class T>
+inline constexpr bool kConstant = false;
+template <int P>
+inline constexpr bool kConstant<Degree<P>> = true;
+
+// a - b, min(a, b) and max(a, b) of degrees, orders and indices: constants
+// where both operands are.
+template <class A, class B>
+constexpr auto minus(A a, B b) noexcept {
+    if constexpr (kConstant<A> && kConstant<B>) return Degree<A::value - B::value>{};
+    else return int(a) - int(b);
+}
+template <class A, class B>
+constexpr auto smaller(A a, B b) noexcept {
+    if constexpr (kConstant<A> && kConstant<B>) return Degree<(A::value < B::value ? A::value : B::value)>{};
+    else return std::min(int(a), int(b));
+}
+template <class A, class B>
+constexpr auto larger(A a, B b) noexcept {
+    if constexpr (kConstant<A> && kConstant<B>) return Degree<(A::value > B::value ? A::value : B::value)>{};
+    else return std::max(int(a), int(b));
+}
+template <class I>
+constexpr auto less(I i) noexcept {
+    return minus(i, Degree<1>{});
+}
+
+// f(i) for i = first..last. Where both bounds are constants the loop is laid
+// out at compile time with each i a constant, so that loops nested inside,
+// bounded by i, are laid out too (-O2 unrolls none of them by itself).
+template <class First, class Last, class F>
+KW_HOT void upto(First first, Last last, F &&f) {
+    if constexpr (kConstant<First> && kConstant<Last>) {
+        constexpr int count = Last::value - First::value + 1;
+        [&]<int... I>(std::integer_sequence<int, I...>) KW_INLINE {
+            (f(Degree<First::value + I>{}), ...);
+        }(std::make_integer_sequence<int, (count > 0 ? count : 0)>{});
+    } else {
+        for (int i = first; i <= last; ++i) f(i);
+    }
+}
+
+// f(k) with a derivative order k fixed at compile time where it is one of
+// the common ones.
+template <class F>
+KW_HOT decltype(auto) with_order(int k, F &&f) {
+    switch (k) {
+    case 1: return f(Degree<1>{});
+    case 2: return f(Degree<2>{});
+    default: return f(k);
+    }
+}
 
 // f(p) with p as a compile-time degree where it is one of the common ones.
 template <class F>
@@ -47,40 +113,129 @@ inline bool in_interval(const double *U, int32_t a, int32_t b, double u, int16_t
     return side == KW_LEFT ? U[a] < u && u <= U[b] : U[a] <= u && u < U[b];
 }
 
-// The span i of u in a knot vector U[0..m] of degree p: U[i] <= u < U[i+1]
-// from the right, U[i] < u <= U[i+1] from the left (side 2; any other side
-// counts as the right). The domain end U[m-p] belongs to the last span from
-// the right, the start U[p] to the first from the left. The bisection keeps
-// U[low] <= u < U[low+len] (U[low] < u <= U[low+len]) and ends after
-// log2(m) steps whatever the knots hold; a u outside [U[p], U[m-p]] takes
-// the nearer end span.
-KW_HOT int32_t find_span(const double *U, int32_t m, int p, double u, int16_t side) noexcept {
-    // Whether u lies past knot i, in a span that starts at i or later.
-    const bool from_left = side == KW_LEFT;
-    auto past = [=](int32_t i) { return from_left ? U[i] < u : U[i] <= u; };
-    // Branch-free halving of [low, low + len): each step costs one load and a
-    // conditional move, whatever the order in which parameters come.
-    int32_t low = p, len = m - 2 * p;
-    if (past(low + len)) return low + len - 1;
-    if (!past(low)) return low;
+// The largest double below a finite u: U[i] < u exactly when U[i] <= below(u).
+inline double below(double u) noexcept {
+    if (u == 0.0) return -std::numeric_limits<double>::denorm_min();
+    const auto bits = std::bit_cast<uint64_t>(u);
+    return std::bit_cast<double>(u > 0.0 ? bits - 1 : bits + 1);
+}
+
+// The key that locates u from a side: U[i] <= key exactly when u lies past
+// knot i, in a span that starts at i or later. From the left (side 2) the
+// comparison is strict, U[i] < u; any other side counts as the right.
+inline double span_key(double u, int16_t side) noexcept { return side == KW_LEFT ? below(u) : u; }
+
+// The bits of a double as an integer that orders like the double: the bits
+// themselves for a non-negative one, the magnitude bits turned over for a
+// negative one. -0.0 comes just below +0.0, which only a key could tell
+// apart: keys are taken of x + 0.0, which is +0.0 for -0.0.
+inline int64_t ordered(double x) noexcept {
+    const auto bits = std::bit_cast<int64_t>(x);
+    return bits ^ ((bits >> 63) & INT64_MAX);
+}
+
+// The largest i in [low, low + len) with U[i] <= key, given U[low] <= key <
+// U[low + len]; key is ordered(x + 0.0). The knots are compared as integers,
+// which load and compare faster than doubles; non-negative ones (Signed
+// false: the domain starts at or above 0) need not be turned over, -0.0
+// among them reading as the least integer, which is below every key as
+// -0.0 is. Two halvings a step, branch-free: the three knots that the two
+// can ask for are loaded at once, so that a step waits for one load and two
+// selections, whatever the order in which parameters come.
+template <bool Signed>
+KW_HOT int32_t bisect(const double *U, int32_t low, int32_t len, int64_t key) noexcept {
+    auto at = [U](int32_t i) {
+        int64_t bits;
+        std::memcpy(&bits, U + i, sizeof bits);
+        return Signed ? bits ^ ((bits >> 63) & INT64_MAX) : bits;
+    };
+    while (len > 3) {
+        const int32_t h1 = len / 2, h2 = (len - h1) / 2;
+        const int64_t mid = at(low + h1), lower = at(low + h2), upper = at(low + h1 + h2);
+        const int64_t past = -int64_t(mid <= key);  // all ones when the key lies past mid
+        low += h1 & int32_t(past);
+        const int64_t next = lower ^ ((lower ^ upper) & past);
+        low += h2 & -int32_t(next <= key);
+        len -= h1 + h2;
+    }
     while (len > 1) {
         const int32_t half = len / 2;
-        low = past(low + half) ? low + half : low;
+        low += half & -int32_t(at(low + half) <= key);
         len -= half;
     }
     return low;
 }
 
+// The span of a key in a knot vector U[0..m] of degree p: the largest i in
+// p..n (n = m - p - 1) with U[i] <= key, or p when there is none. So
+// U[i] <= u < U[i+1] from the right, U[i] < u <= U[i+1] from the left; the
+// domain end U[m-p] belongs to the last span from the right, the start U[p]
+// to the first from the left, and a u outside [U[p], U[m-p]] takes the
+// nearer end span. The search takes log2(m) halvings whatever the knots hold.
+KW_HOT int32_t search_span(const double *U, int32_t m, int p, double key) noexcept {
+    const int32_t len = m - 2 * p;
+    if (U[p + len] <= key) return p + len - 1;
+    if (!(U[p] <= key)) return p;
+    const int64_t k = ordered(key + 0.0);
+    return U[p] >= 0.0 ? bisect<false>(U, p, len, k) : bisect<true>(U, p, len, k);
+}
+
+// The span i of u from a side (see span_key and search_span).
+KW_HOT int32_t find_span(const double *U, int32_t m, int p, double u, int16_t side) noexcept {
+    return search_span(U, m, p, span_key(u, side));
+}
+
+// search_span given the span of a neighbouring parameter: that span and the
+// next are tried first, which a sorted sweep nearly always hits; the same
+// answer as search_span either way.
+KW_HOT int32_t next_span(const double *U, int32_t m, int p, double key, int32_t last) noexcept {
+    const int32_t n = m - p - 1;
+    auto holds = [&](int32_t i) {
+        return (i == p || U[i] <= key) && (i == n || !(U[i + 1] <= key));
+    };
+    if (last >= p && last <= n) {
+        if (holds(last)) return last;
+        if (last < n && holds(last + 1)) return last + 1;
+    }
+    return search_span(U, m, p, key);
+}
+
 // The denominators of the Cox-de Boor triangle are knot differences of the
 // span alone, U[span+r+1] - U[span+1-j+r] in round j = 1..p, r = 0..j-1:
-// their reciprocals can be taken at once (independent divisions, which
-// pipeline) and shared by every evaluation in the span. inverse(j, r)
-// receives each.
-template <class Deg, class Inverse>
-KW_HOT void span_inverses(const double *U, int32_t span, Deg p, Inverse inverse) noexcept {
-    for (int j = 1; j <= p; ++j)
-        for (int r = 0; r < j; ++r) inverse(j, r) = 1.0 / (U[span + r + 1] - U[span + 1 - j + r]);
-}
+// their reciprocals are taken at once, shared by every evaluation in the
+// span and read as inverse(j, r). They are divided two at a time, which the
+// machine does in one division where it divides pairs of doubles (the
+// quotients are the same): divisions are the dearest step of an evaluation.
+template <class Deg>
+struct Inverses {
+    static constexpr int w = kWidth<Deg>;
+    double inv[w * (w - 1) / 2 + 1];  // one more, for an odd count of pairs
+
+    KW_HOT double operator()(int j, int r) const noexcept { return inv[j * (j - 1) / 2 + r]; }
+
+    KW_HOT void fill(const double *U, int32_t span, Deg p) noexcept {
+        upto(Degree<1>{}, p, [&](auto j) KW_INLINE {
+            upto(Degree<0>{}, less(j), [&](auto r) KW_INLINE {
+                inv[j * (j - 1) / 2 + r] = U[span + r + 1] - U[span + 1 - j + r];
+            });
+        });
+        using Pair = double __attribute__((vector_size(16)));
+        inv[p * (p + 1) / 2] = 1.0;
+        upto(Degree<0>{}, last_pair(p), [&](auto i) KW_INLINE {
+            Pair d;
+            std::memcpy(&d, inv + 2 * i, sizeof d);
+            d = 1.0 / d;
+            std::memcpy(inv + 2 * i, &d, sizeof d);
+        });
+    }
+
+private:
+    // The index of the last pair of the p (p + 1) / 2 reciprocals.
+    static constexpr auto last_pair(Deg p) noexcept {
+        if constexpr (kConstant<Deg>) return Degree<(Deg::value * (Deg::value + 1) / 2 + 1) / 2 - 1>{};
+        else return (p * (p + 1) / 2 + 1) / 2 - 1;
+    }
+};
 
 // The Cox-de Boor triangle over those reciprocals: value(r, j) is the
 // function N[span-j+r, j](u) of degree j. One body serves the rolling row of
@@ -88,38 +243,34 @@ KW_HOT void span_inverses(const double *U, int32_t span, Deg p, Inverse inverse)
 // the derivatives (value(r, j) = ndu[r][j]).
 template <class Deg, class Inverse, class Value>
 KW_HOT void cox_de_boor(const double *U, int32_t span, Deg p, double u, double *left, double *right,
-                        Inverse inverse, Value value) noexcept {
+                        const Inverse &inverse, Value &&value) noexcept {
     value(0, 0) = 1.0;
-    for (int j = 1; j <= p; ++j) {
+    upto(Degree<1>{}, p, [&](auto j) KW_INLINE {
         left[j] = u - U[span + 1 - j];
         right[j] = U[span + j] - u;
         double saved = 0.0;
-        for (int r = 0; r < j; ++r) {
+        upto(Degree<0>{}, less(j), [&](auto r) KW_INLINE {
             const double temp = value(r, j - 1) * inverse(j, r);
             value(r, j) = saved + right[r + 1] * temp;
             saved = left[j - r] * temp;
-        }
+        });
         value(j, j) = saved;
-    }
+    });
 }
 
-inline constexpr int kTriangle = KW_MAX_DEGREE * (KW_MAX_DEGREE + 1) / 2;
-
-// N[r] := N[span-p+r, p](u), r = 0..p.
+// N[r] := N[span-p+r, p](u), r = 0..p, from the span's reciprocals.
 template <class Deg>
-KW_HOT void basis_funs(const double *U, int32_t span, Deg p, double u, double *N) noexcept {
-    double inv[kTriangle], left[kTable], right[kTable];
-    auto inverse = [&inv](int j, int r) -> double & { return inv[j * (j - 1) / 2 + r]; };
-    span_inverses(U, span, p, inverse);
+KW_HOT void basis_funs(const double *U, int32_t span, Deg p, const Inverses<Deg> &inverse, double u,
+                       double *N) noexcept {
+    constexpr int w = kWidth<Deg>;
+    double left[w], right[w];
     cox_de_boor(U, span, p, u, left, right, inverse, [N](int r, int) -> double & { return N[r]; });
 }
 
-// The non-zero basis functions at u, N[0..p], and their span. At the end
-// knots the end function is exactly 1 from either side; elsewhere the side
-// chooses the span.
+// At the end knots the end function is exactly 1 from either side: N[0..p]
+// and the span there, or -1 elsewhere.
 template <class Deg>
-KW_HOT int32_t nonzero_basis(const double *U, int32_t m, Deg p, double u, int16_t side,
-                             double *N) noexcept {
+KW_HOT int32_t end_basis(const double *U, int32_t m, Deg p, double u, double *N) noexcept {
     if (u == U[m - p]) {
         std::fill_n(N, int(p), 0.0);
         N[p] = 1.0;
@@ -130,8 +281,20 @@ KW_HOT int32_t nonzero_basis(const double *U, int32_t m, Deg p, double u, int16_
         std::fill_n(N + 1, int(p), 0.0);
         return p;
     }
-    const int32_t span = find_span(U, m, p, u, side);
-    basis_funs(U, span, p, u, N);
+    return -1;
+}
+
+// The non-zero basis functions at u, N[0..p], and their span; away from the
+// end knots the side chooses the span.
+template <class Deg>
+KW_HOT int32_t nonzero_basis(const double *U, int32_t m, Deg p, double u, int16_t side,
+                             double *N) noexcept {
+    int32_t span = end_basis(U, m, p, u, N);
+    if (span >= 0) return span;
+    span = find_span(U, m, p, u, side);
+    Inverses<Deg> inverse;
+    inverse.fill(U, span, p);
+    basis_funs(U, span, p, inverse, u, N);
     return span;
 }
 
@@ -158,50 +321,39 @@ inline double one_basis(const double *U, int32_t i, int p, double u, int16_t sid
     return N[0];
 }
 
-// ders[k][r] := the k-th derivative of N[span-p+r, p](u), k = 0..du (du <= p).
-// Work tables: ndu (p+1) x (p+1), whose lower triangle holds the
-// reciprocal knot differences (ndu[j][r] that of round j, index r) and upper
-// triangle the functions of rising degree; a 2 x (p+1) with alternating
-// rows; left and right of p+1. Every division is one of the reciprocals,
-// taken at once before the recursions. Table is a row-pointer array or a
-// fixed 2-D array, so one body serves the allocated and the local form.
-template <class Table, class Out, class Deg>
-KW_HOT void basis_ders(const double *U, int32_t span, Deg p, double u, int du, Table ndu,
-                       double *left, double *right, Table a, Out ders) noexcept {
-    // The lower triangle holds the reciprocals, the upper the functions.
-    auto inverse = [ndu](int j, int r) -> double & { return ndu[j][r]; };
-    span_inverses(U, span, p, inverse);
-    cox_de_boor(U, span, p, u, left, right, inverse, [ndu](int r, int j) -> double & { return ndu[r][j]; });
-    for (int j = 0; j <= p; ++j) ders[0][j] = ndu[j][p];
-    for (int r = 0; r <= p; ++r) {
-        int s1 = 0, s2 = 1;
-        a[0][0] = 1.0;
-        for (int k = 1; k <= du; ++k) {
-            double d = 0.0;
-            const int rk = r - k, pk = p - k;
-            if (r >= k) {
-                a[s2][0] = a[s1][0] * ndu[pk + 1][rk];
-                d = a[s2][0] * ndu[rk][pk];
-            }
-            const int j1 = rk >= -1 ? 1 : -rk;
-            const int j2 = r - 1 <= pk ? k - 1 : p - r;
-            for (int j = j1; j <= j2; ++j) {
-                a[s2][j] = (a[s1][j] - a[s1][j - 1]) * ndu[pk + 1][rk + j];
-                d += a[s2][j] * ndu[rk + j][pk];
-            }
-            if (r <= pk) {
-                a[s2][k] = -a[s1][k - 1] * ndu[pk + 1][r];
-                d += a[s2][k] * ndu[r][pk];
-            }
-            ders[k][r] = d;
-            std::swap(s1, s2);
-        }
-    }
+// ders[k][r] := the k-th derivative of N[span-p+r, p](u), k = 0..du (du <= p),
+// given the span's reciprocals inverse(j, r). value(r, j) is a table for the
+// triangle of functions of rising degree (N[span-j+r, j] at r, j), left and
+// right work arrays of p + 1. Order k starts from the functions of degree
+// p - k and rises through the degrees l = p-k+1..p by
+// N'[i,l] = l (N[i,l-1] / (U[i+l] - U[i]) - N[i+1,l-1] / (U[i+l+1] - U[i+1])),
+// whose denominators are those of the triangle's round l: a term taken from
+// entry r goes to r with a minus and to r + 1 with a plus, as the triangle
+// hands its temp on. All orders rise together, degree by degree, each in its
+// own output row; the factors l are gathered at the end.
+template <class Deg, class Ord, class Inverse, class Value, class Out>
+KW_HOT void basis_ders(const double *U, int32_t span, Deg p, double u, Ord du, const Inverse &inverse,
+                       Value &&value, double *left, double *right, Out &&ders) noexcept {
+    cox_de_boor(U, span, p, u, left, right, inverse, value);
+    upto(Degree<0>{}, du, [&](auto k) KW_INLINE {
+        upto(Degree<0>{}, minus(p, k), [&](auto r) KW_INLINE { ders[k][r] = value(r, minus(p, k)); });
+    });
+    upto(Degree<1>{}, p, [&](auto l) KW_INLINE {
+        upto(larger(Degree<1>{}, minus(p, less(l))), du, [&](auto k) KW_INLINE {
+            double saved = 0.0;
+            upto(Degree<0>{}, less(l), [&](auto r) KW_INLINE {
+                const double temp = ders[k][r] * inverse(l, r);
+                ders[k][r] = saved - temp;
+                saved = temp;
+            });
+            ders[k][l] = saved;
+        });
+    });
     double f = p;
-    for (int k = 1; k <= du; ++k) {
-        for (int j = 0; j <= p; ++j) ders[k][j] *= f;
+    upto(Degree<1>{}, du, [&](auto k) KW_INLINE {
+        upto(Degree<0>{}, p, [&](auto j) KW_INLINE { ders[k][j] *= f; });
         f *= p - k;
-    }
+    });
 }
 
 // Binomial coefficients of the orders the evaluators accept, by Pascal's
@@ -222,22 +374,25 @@ inline constexpr Binomials kBinomial = make_binomials();
 // Turns ders[0..k][0..p], derivatives of the basis functions, in place into
 // those of the rational basis functions R[j] = w[j] N[j] / W with
 // W = sum w[j] N[j]: R^(d) = (w ders^(d) - sum_i Bin(d, i) W^(i) R^(d-i)) / W,
-// rising in d so that the lower orders are already rational. k <= KW_MAX_ORDER;
-// w is anything that gives the weights as w[j].
-template <class Rows, class Weights, class Deg>
-KW_HOT void rational_ders(Rows ders, const Weights &w, int k, Deg p) noexcept {
+// rising in d so that the lower orders are already rational; the division
+// by W is one reciprocal. k <= KW_MAX_ORDER; w is anything that gives the
+// weights as w[j].
+template <class Rows, class Weights, class Ord, class Deg>
+KW_HOT void rational_ders(Rows &&ders, const Weights &w, Ord k, Deg p) noexcept {
     double W[kOrders];
-    for (int d = 0; d <= k; ++d) {
-        W[d] = 0.0;
-        for (int j = 0; j <= p; ++j) W[d] += ders[d][j] * w[j];
-    }
-    for (int j = 0; j <= p; ++j) {
-        for (int d = 0; d <= k; ++d) {
+    upto(Degree<0>{}, k, [&](auto d) KW_INLINE {
+        double sum = 0.0;
+        upto(Degree<0>{}, p, [&](auto j) KW_INLINE { sum += ders[d][j] * w[j]; });
+        W[d] = sum;
+    });
+    const double inverse = 1.0 / W[0];
+    upto(Degree<0>{}, p, [&](auto j) KW_INLINE {
+        upto(Degree<0>{}, k, [&](auto d) KW_INLINE {
             double v = w[j] * ders[d][j];
-            for (int i = 1; i <= d; ++i) v -= kBinomial.c[d][i] * W[i] * ders[d - i][j];
-            ders[d][j] = v / W[0];
-        }
-    }
+            upto(Degree<1>{}, d, [&](auto i) KW_INLINE { v -= kBinomial.c[d][i] * W[i] * ders[d - i][j]; });
+            ders[d][j] = v * inverse;
+        });
+    });
 }
 
 }  // namespace kw

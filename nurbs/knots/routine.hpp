@@ -18,14 +18,14 @@ inline bool valid_side(int16_t side) noexcept { return side == KW_RIGHT || side 
 // A degree that the fixed tables hold (3) and a knot vector with room for
 // p + 1 basis functions (4). The evaluators cannot afford a full knot check
 // on every call; this much keeps every index they form inside the arrays.
-inline int16_t check_knots(const KnotVector *knt, int16_t p, char *name) noexcept {
+KW_HOT int16_t check_knots(const KnotVector *knt, int16_t p, char *name) noexcept {
     if (p < 0 || p > KW_MAX_DEGREE) return fail(KW_EDEGREE, name);
     if (!knt || !knt->U || knt->m < 2 * p + 1) return fail(KW_EKNOTS, name);
     return 0;
 }
 
 // U[0] <= u <= U[m], exactly; a NaN fails (6).
-inline int16_t check_param(const KnotVector *knt, double u, char *name) noexcept {
+KW_HOT int16_t check_param(const KnotVector *knt, double u, char *name) noexcept {
     if (!(knt->U[0] <= u && u <= knt->U[knt->m])) return fail(KW_EPARAM, name);
     return 0;
 }
@@ -33,7 +33,7 @@ inline int16_t check_param(const KnotVector *knt, double u, char *name) noexcept
 // A curve or curve function whose parts exist and agree, m = n + p + 1 (1),
 // then check_knots.
 template <class R>
-int16_t check_shape(const R *r, char *name) noexcept {
+KW_HOT int16_t check_shape(const R *r, char *name) noexcept {
     auto *h = r ? holder(*r) : nullptr;
     if (!h || !coefs(*h) || !r->knt || r->knt->m != h->n + r->p + 1) return fail(KW_ECURVE, name);
     return check_knots(r->knt, r->p, name);
@@ -83,7 +83,7 @@ int16_t basis_at(const R *r, int32_t i, double u, int16_t side, bool weighted, W
 // span search runs (away from the end knots), a bad one is recorded as the
 // span search records it (13, "N_KNTFSP"), and the result is computed from
 // the right.
-inline void note_side(const KnotVector *knt, int16_t p, double u, int16_t side) noexcept {
+KW_HOT void note_side(const KnotVector *knt, int16_t p, double u, int16_t side) noexcept {
     if (valid_side(side) || u == knt->U[p] || u == knt->U[knt->m - p]) return;
     int32_t span;
     N_kntfsp(knt, p, u, side, &span);
