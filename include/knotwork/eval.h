@@ -38,6 +38,25 @@ KW_API int16_t N_currdr(const Curve *cur, double u, int16_t side, int16_t k, Con
 KW_API int16_t N_curdrk(const Curve *cur, int32_t j, double u, int16_t kside, int16_t side,
                         Point *dC, StorageStacks *stk);
 
+/* ---- Curves at many parameters ------------------------------------------
+
+   For u[0..n] these give, bit for bit, what N_curevn and N_curder give at
+   each u[i] from the same side, in less time: where neighbouring parameters
+   fall in one knot span the span search, the span's reciprocal knot
+   differences and (derivatives) its Cartesian control points are reused, so
+   sorted parameters gain most; any order is accepted. Everything is checked
+   before anything is written: the curve (1, 3, 4), n >= 0 and non-null
+   arrays (14), side KW_RIGHT or KW_LEFT (13, under the routine's own name;
+   the point is not taken from the right as N_curevn takes it), every u[i]
+   in the knot range (6). Allocate nothing. */
+
+/* C[i] := C(u[i]), i = 0..n. */
+KW_API int16_t N_curevm(const Curve *cur, int32_t n, const double *u, int16_t side, Point *C);
+/* CK[i (k + 1) + d] := the d-th derivative at u[i], d = 0..k, i = 0..n;
+   k above KW_MAX_ORDER records 20. */
+KW_API int16_t N_curdrm(const Curve *cur, int32_t n, const double *u, int16_t side, int16_t k,
+                        Point *CK);
+
 /* ---- Curve functions: f(u) = sum N[i](u) f[i] --------------------------- */
 
 /* *f := f(u). Allocates nothing; side as N_curevn. */

@@ -59,8 +59,8 @@ KW_HOT C spline_point(const double *U, int32_t m, int p, const C *c, double u,
 
 // What the derivatives at u take from u's span alone: the span's reciprocal
 // knot differences and its control points P[0..p] in Cartesian form E.
-// N_curder fills it for its one parameter; the batch evaluators keep it while
-// their parameters stay in one span.
+// N_curder fills it for its one parameter; the batch evaluator keeps it while
+// its parameters stay in one span.
 template <class Deg>
 struct CurveSpan {
     int32_t span = -1;
@@ -73,6 +73,11 @@ struct CurveSpan {
         P = Pw + s - p;
         inverse.fill(U, s, p);
         upto(Degree<0>{}, p, [&](auto j) KW_INLINE { E[j] = euclid(P[j]); });
+    }
+    // Enters the span of key unless it is this one.
+    KW_HOT void locate(const double *U, int32_t m, Deg p, const ControlPoint *Pw, double key) noexcept {
+        const int32_t s = next_span(U, m, p, key, span);
+        if (s != span) enter(U, p, Pw, s);
     }
 };
 
@@ -97,9 +102,10 @@ KW_HOT void curve_ders(const double *U, Deg p, const CurveSpan<Deg> &c, bool rat
 inline void curve_ders(const double *U, int p, const ControlPoint *Pw, int32_t span, double u, int k,
                        Point *CK) noexcept {
     with_degree(p, [&](auto P) KW_INLINE {
+        const bool weighted = rational(Pw[0]);
         CurveSpan<decltype(P)> c;
         c.enter(U, P, Pw, span);
-        with_order(k, [&](auto K) KW_INLINE { curve_ders(U, P, c, rational(Pw[0]), u, K, CK); });
+        with_order(k, [&](auto K) KW_INLINE { curve_ders(U, P, c, weighted, u, K, CK); });
     });
 }
 

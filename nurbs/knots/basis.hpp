@@ -46,22 +46,24 @@ inline constexpr bool kConstant = false;
 template <int P>
 inline constexpr bool kConstant<Degree<P>> = true;
 
-// a - b, min(a, b) and max(a, b) of degrees, orders and indices: constants
-// where both operands are.
+// f(a...) of degrees, orders, indices and counts: a constant where all of
+// them are.
+template <auto f, class... A>
+constexpr auto constant_if(A... a) noexcept {
+    if constexpr ((kConstant<A> && ...)) return Degree<f(A::value...)>{};
+    else return f(int(a)...);
+}
 template <class A, class B>
 constexpr auto minus(A a, B b) noexcept {
-    if constexpr (kConstant<A> && kConstant<B>) return Degree<A::value - B::value>{};
-    else return int(a) - int(b);
+    return constant_if<[](int x, int y) { return x - y; }>(a, b);
 }
 template <class A, class B>
 constexpr auto smaller(A a, B b) noexcept {
-    if constexpr (kConstant<A> && kConstant<B>) return Degree<(A::value < B::value ? A::value : B::value)>{};
-    else return std::min(int(a), int(b));
+    return constant_if<[](int x, int y) { return x < y ? x : y; }>(a, b);
 }
 template <class A, class B>
 constexpr auto larger(A a, B b) noexcept {
-    if constexpr (kConstant<A> && kConstant<B>) return Degree<(A::value > B::value ? A::value : B::value)>{};
-    else return std::max(int(a), int(b));
+    return constant_if<[](int x, int y) { return y < x ? x : y; }>(a, b);
 }
 template <class I>
 constexpr auto less(I i) noexcept {
@@ -139,9 +141,10 @@ inline int64_t ordered(double x) noexcept {
 // which load and compare faster than doubles; non-negative ones (Signed
 // false: the domain starts at or above 0) need not be turned over, -0.0
 // among them reading as the least integer, which is below every key as
-// -0.0 is. Two halvings a step, branch-free: the three knots that the two
-// can ask for are loaded at once, so that a step waits for one load and two
-// selections, whatever the order in which parameters come.
+// -0.0 is. Two halvings a step: the first is a branch, which costs a
+// misprediction now and then on parameters in random order but lets sorted
+// ones run ahead; the second selects between the two knots it may ask for,
+// both loaded already, without a branch.
 template <bool Signed>
 KW_HOT int32_t bisect(const double *U, int32_t low, int32_t len, int64_t key) noexcept {
     auto at = [U](int32_t i) {
@@ -151,16 +154,14 @@ KW_HOT int32_t bisect(const double *U, int32_t low, int32_t len, int64_t key) no
     };
     while (len > 3) {
         const int32_t h1 = len / 2, h2 = (len - h1) / 2;
-        const int64_t mid = at(low + h1), lower = at(low + h2), upper = at(low + h1 + h2);
-        const int64_t past = -int64_t(mid <= key);  // all ones when the key lies past mid
-        low += h1 & int32_t(past);
-        const int64_t next = lower ^ ((lower ^ upper) & past);
-        low += h2 & -int32_t(next <= key);
+        const bool past = at(low + h1) <= key;
+        const int64_t next = past ? at(low + h1 + h2) : at(low + h2);
+        low += (past ? h1 : 0) + (next <= key ? h2 : 0);
         len -= h1 + h2;
     }
     while (len > 1) {
         const int32_t half = len / 2;
-        low += half & -int32_t(at(low + half) <= key);
+        low += at(low + half) <= key ? half : 0;
         len -= half;
     }
     return low;
@@ -200,12 +201,30 @@ KW_HOT int32_t next_span(const double *U, int32_t m, int p, double key, int32_t 
     return search_span(U, m, p, key);
 }
 
+// x[0..2 last + 1] := their reciprocals, two to a division, which the
+// machine does in one instruction where it divides pairs of doubles (the
+// quotients are the same): divisions are the dearest step of an evaluation.
+template <class Last>
+KW_HOT void reciprocals(double *x, Last last) noexcept {
+    using Pair = double __attribute__((vector_size(16)));
+    upto(Degree<0>{}, last, [&](auto i) KW_INLINE {
+        Pair d;
+        std::memcpy(&d, x + 2 * i, sizeof d);
+        d = 1.0 / d;
+        std::memcpy(x + 2 * i, &d, sizeof d);
+    });
+}
+
+// The index of the last pair of count values.
+template <class Count>
+constexpr auto last_pair(Count count) noexcept {
+    return constant_if<[](int c) { return (c + 1) / 2 - 1; }>(count);
+}
+
 // The denominators of the Cox-de Boor triangle are knot differences of the
 // span alone, U[span+r+1] - U[span+1-j+r] in round j = 1..p, r = 0..j-1:
-// their reciprocals are taken at once, shared by every evaluation in the
-// span and read as inverse(j, r). They are divided two at a time, which the
-// machine does in one division where it divides pairs of doubles (the
-// quotients are the same): divisions are the dearest step of an evaluation.
+// their reciprocals are taken at once, in pairs, shared by every evaluation
+// in the span and read as inverse(j, r).
 template <class Deg>
 struct Inverses {
     static constexpr int w = kWidth<Deg>;
@@ -219,21 +238,9 @@ struct Inverses {
                 inv[j * (j - 1) / 2 + r] = U[span + r + 1] - U[span + 1 - j + r];
             });
         });
-        using Pair = double __attribute__((vector_size(16)));
-        inv[p * (p + 1) / 2] = 1.0;
-        upto(Degree<0>{}, last_pair(p), [&](auto i) KW_INLINE {
-            Pair d;
-            std::memcpy(&d, inv + 2 * i, sizeof d);
-            d = 1.0 / d;
-            std::memcpy(inv + 2 * i, &d, sizeof d);
-        });
-    }
-
-private:
-    // The index of the last pair of the p (p + 1) / 2 reciprocals.
-    static constexpr auto last_pair(Deg p) noexcept {
-        if constexpr (kConstant<Deg>) return Degree<(Deg::value * (Deg::value + 1) / 2 + 1) / 2 - 1>{};
-        else return (p * (p + 1) / 2 + 1) / 2 - 1;
+        const auto count = constant_if<[](int q) { return q * (q + 1) / 2; }>(p);
+        inv[count] = 1.0;
+        reciprocals(inv, last_pair(count));
     }
 };
 
@@ -284,18 +291,35 @@ KW_HOT int32_t end_basis(const double *U, int32_t m, Deg p, double u, double *N)
     return -1;
 }
 
-// The non-zero basis functions at u, N[0..p], and their span; away from the
-// end knots the side chooses the span.
+// The span of the last parameter located and its reciprocals, kept from
+// one parameter to the next: a fresh one serves a single parameter, one
+// kept over many saves the search and the divisions while they stay in one
+// span, with the same results.
+template <class Deg>
+struct SpanBasis {
+    int32_t span = -1;
+    Inverses<Deg> inverse;
+
+    // The non-zero basis functions at u, N[0..p], and their span; away from
+    // the end knots the side chooses the span.
+    KW_HOT int32_t basis(const double *U, int32_t m, Deg p, double u, int16_t side, double *N) noexcept {
+        const int32_t end = end_basis(U, m, p, u, N);
+        if (end >= 0) return end;
+        const int32_t s = next_span(U, m, p, span_key(u, side), span);
+        if (s != span) {
+            span = s;
+            inverse.fill(U, s, p);
+        }
+        basis_funs(U, s, p, inverse, u, N);
+        return s;
+    }
+};
+
 template <class Deg>
 KW_HOT int32_t nonzero_basis(const double *U, int32_t m, Deg p, double u, int16_t side,
                              double *N) noexcept {
-    int32_t span = end_basis(U, m, p, u, N);
-    if (span >= 0) return span;
-    span = find_span(U, m, p, u, side);
-    Inverses<Deg> inverse;
-    inverse.fill(U, span, p);
-    basis_funs(U, span, p, inverse, u, N);
-    return span;
+    SpanBasis<Deg> fresh;  // not value-initialised: nothing is read before it is filled
+    return fresh.basis(U, m, p, u, side, N);
 }
 
 // The single function N[i, p](u) by the local triangle over its own knots
