@@ -45,8 +45,9 @@ int16_t M_chkfop(double a, double b, int16_t op) {
     case 3:
         return !(fa <= 1.0 || fb <= 1.0 || fa <= big / fb);
     case 4:
+        // A zero divisor never gives a finite quotient, 0/0 included.
         if (fb >= 1.0) return !(fa <= big);
-        return !(fa <= big * fb);
+        return !(fb > 0.0 && fa <= big * fb);
     default:
         return 1;
     }

@@ -2,6 +2,7 @@
 // ControlPoint matrices.
 #pragma once
 
+#include "core/error.hpp"
 #include "core/storage.hpp"
 #include "knotwork/numeric.h"
 
@@ -68,6 +69,89 @@ int16_t matrix_check(Matrix<E> *mat, int32_t n, int32_t m, int32_t type, int32_t
         return fail(KW_ESTORAGE, name);
     matrix_define<E>(mat, n, m, type, w);
     return 0;
+}
+
+// ---- Entries of the four storage types ------------------------------------
+
+constexpr bool known_type(int32_t type) noexcept { return type >= KW_FULL && type <= KW_BANDED; }
+
+// A band of width w keeps w/2 diagonals below the main one and the rest
+// above: the same number for the usual odd widths, one fewer above for an
+// even width, which is all its w stored values can hold.
+constexpr int32_t band_below(int32_t w) noexcept { return w / 2; }
+constexpr int32_t band_above(int32_t w) noexcept { return w - 1 - w / 2; }
+
+// An inclusive index range, empty when lo > hi.
+struct Span {
+    int32_t lo, hi;
+};
+constexpr Span meet(Span a, Span b) noexcept {
+    return Span{a.lo > b.lo ? a.lo : b.lo, a.hi < b.hi ? a.hi : b.hi};
+}
+
+// The columns of row i, and the rows of column j, that exist in a matrix of
+// the given shape: entries outside them are zeros that are never read.
+constexpr Span row_span(int32_t i, int32_t m, int32_t type, int32_t w) noexcept {
+    switch (type) {
+    case KW_LOWERLEFT: return meet({0, i}, {0, m});
+    case KW_UPPERRIGHT: return {i, m};
+    case KW_BANDED: return meet({i - band_below(w), i + band_above(w)}, {0, m});
+    default: return {0, m};
+    }
+}
+constexpr Span col_span(int32_t j, int32_t n, int32_t type, int32_t w) noexcept {
+    switch (type) {
+    case KW_LOWERLEFT: return {j, n};
+    case KW_UPPERRIGHT: return meet({0, j}, {0, n});
+    case KW_BANDED: return meet({j - band_above(w), j + band_below(w)}, {0, n});
+    default: return {0, n};
+    }
+}
+template <class M>
+constexpr Span row_span(const M &A, int32_t i) noexcept {
+    return row_span(i, A.m, A.type, A.w);
+}
+template <class M>
+constexpr Span col_span(const M &A, int32_t j) noexcept {
+    return col_span(j, A.n, A.type, A.w);
+}
+
+// Entry (i, j), which must exist: banded rows keep the diagonal at w/2.
+template <class M>
+auto &entry(const M &A, int32_t i, int32_t j) noexcept {
+    return A.type == KW_BANDED ? A.a[i][j - i + band_below(A.w)] : A.a[i][j];
+}
+
+// Every stored value of a matrix, existing or not, set to zero, so that a
+// result holds no stale values where its shape has none.
+template <class M, class E>
+void clear_stored(const M &A, E zero) noexcept {
+    const int32_t last = matrix_columns(A.m, A.type, A.w);
+    for (int32_t i = 0; i <= A.n; ++i)
+        for (int32_t j = 0; j <= last; ++j) A.a[i][j] = zero;
+}
+
+// An input matrix with data and a known storage type.
+template <class M>
+bool usable(const M *A) noexcept {
+    return A && A->n >= 0 && A->m >= 0 && A->a && A->w > 0 && known_type(A->type);
+}
+
+// The input test the solvers share: data and a known type (code 14), as many
+// rows as columns (code 7), and a type the routine takes (code 14).
+inline int16_t square_input(const RealMatrix *A, bool banded_too, char *name) noexcept {
+    if (!usable(A)) return fail(KW_EARG, name);
+    if (A->n != A->m) return fail(KW_ESIZE, name);
+    if (A->type != KW_FULL && !(banded_too && A->type == KW_BANDED)) return fail(KW_EARG, name);
+    return 0;
+}
+
+// A result record that shares its rows with an input cannot be written
+// while the input is read.
+template <class R, class M>
+bool shares_rows(const R *result, const M *input) noexcept {
+    return result && input && result->a &&
+           static_cast<const void *>(result->a) == static_cast<const void *>(input->a);
 }
 
 }  // namespace kw
