@@ -46,6 +46,13 @@ inline bool parallel(Point u, Point v) noexcept {
     return norm(cross(u, v)) <= U_tolzer * norm(u) * norm(v);
 }
 
+// Distance from P to the circle with centre C, unit axis n and radius r.
+inline double circle_distance(Point P, Point C, Point n, double r) noexcept {
+    const Point v = P - C;
+    const double h = dot(v, n);
+    return std::hypot(h, norm(v - h * n) - r);
+}
+
 // ---- Line extents -----------------------------------------------------------
 
 inline int16_t extent(const Line *line) noexcept {

@@ -88,10 +88,7 @@ int16_t G_dispca(Point P, Point C, Point N, double r, double *d) {
     Point n{};
     if (!direction(N, &n)) return fail(KW_EZEROVEC, name);
     if (!(r >= 0.0)) return fail(KW_EARG, name);
-    const Point v = P - C;
-    const double h = dot(v, n);
-    const double rho = norm(v - h * n);
-    *d = std::hypot(h, rho - r);
+    *d = circle_distance(P, C, n, r);
     return 0;
 }
 

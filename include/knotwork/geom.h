@@ -330,10 +330,41 @@ KW_API void G_polppr(Point P, const PointPolyline *ppl, Point *Q, int32_t *i, do
    the farthest point's side; 11 when n = -1, 14 when n < -1, 17 (recorded
    by G_vecnip) when the points coincide. */
 KW_API int16_t G_lsqdln(const Point *P, int32_t n, Point *C, Point *V, double *mean, double *max);
+/* The plane through the centroid C whose normal N is the scatter matrix's
+   eigenvector of least eigenvalue; 11 when n = -1, 14 when n < -1, and the
+   matrix routines' codes. */
+KW_API int16_t G_lsqdpl(const Point *P, int32_t n, Point *C, Point *N, double *mean, double *max);
 /* The orthogonal regression line of the points in the xy plane (z = 0.0,
    an infinite line with unit direction); 14 when n < 1, 17 when the points
    coincide. */
 KW_API int16_t G_lsqln2(const Point *P, int32_t n, Line *line, double *mean, double *max);
+/* The orthogonal regression line in space: the scatter matrix's axis of
+   greatest eigenvalue through the centroid; 14 when n < 1, 17 when the
+   points coincide, and the matrix routines' codes. */
+KW_API int16_t G_lsqln3(const Point *P, int32_t n, Line *line, double *mean, double *max);
+/* The least-squares plane of control points 0..n, taken as Cartesian
+   points (unit normal); 14 when n < 2, and G_lsqdpl's codes. */
+KW_API int16_t G_lsqpln(const ControlPoint *Pw, int32_t n, Plane *pln, double *mean,
+                        double *max);
+/* The plane that minimises the greatest distance of the points (the mid
+   plane of their narrowest slab): reweighted least squares picks out the
+   support points, among which the slab touching their hull face to vertex
+   or edge to edge is sought, until the weighted lower bound is within
+   U_tolpoi of it or three searches running find nothing narrower. 14 when
+   n < 2, 12 when neither happens within 1000 sweeps. */
+KW_API int16_t G_mxapln(const Point *P, int32_t n, Plane *pln, double *max);
+/* The least-squares circle in space: centre C, unit axis N, radius r, in
+   the least-squares plane; refined from the circle through three points
+   chosen along the best-fit line (G_lsqdln) by Gauss-Newton steps, ending
+   with the last iterate, the error state cleared, when a step's system is
+   singular. 14 when n < 2, 11 when the points are collinear. */
+KW_API int16_t G_lsqcir(const Point *P, int32_t n, Point *C, Point *N, double *r, double *mean,
+                        double *max);
+/* The least-squares sphere: centre C and radius r, refined from the
+   algebraic fit by Gauss-Newton steps as G_lsqcir; 14 when n < 3, 11 when
+   the points are coplanar. */
+KW_API int16_t G_lsqsph(const Point *P, int32_t n, Point *C, double *r, double *mean,
+                        double *max);
 /* The circle through A, B and C: centre M, unit axis N (along
    (B - A) x (C - A)) and radius r; 11 when the points are collinear. */
 KW_API int16_t G_circer(Point A, Point B, Point C, Point *M, Point *N, double *r);
@@ -422,9 +453,25 @@ KW_API int16_t G_ispplc(const PointPolyline *ppl);
 /* Every control point within tol of one straight line; a curve whose
    control points lie within tol of one point is not a line. */
 KW_API int16_t U_iscurl(const Curve *cur, double tol);
+/* Every control point within tol of one plane, which needs n >= 2 and a
+   curve neither point-like (U_iscurp) nor straight (U_iscurl): then the
+   plane's unit normal goes to N (untouched otherwise). */
+KW_API int16_t U_iscurf(const Curve *cur, double tol, Point *N);
+/* The same for a surface's net: planar within tol, neither point-like nor
+   straight, with the unit normal to N. */
+KW_API int16_t U_issurf(const Surface *sur, double tol, Point *N);
+/* Every control point within tol of the net's least-squares plane; a net
+   that collapses to a line or a point is flat too. */
+KW_API int16_t U_issflt(const Surface *sur, double tol);
 /* Points 0..n within tol of one line (n >= 1, not all within tol of one
    point). */
 KW_API int16_t U_isp1li(const Point *P, int32_t n, double tol);
+/* Within tol of one plane (n >= 2, not all within tol of one line). */
+KW_API int16_t U_isp1pl(const Point *P, int32_t n, double tol);
+/* Within tol of one circle (n >= 2, not all within tol of one line). */
+KW_API int16_t U_isp1ci(const Point *P, int32_t n, double tol);
+/* Within tol of one sphere (n >= 3, not all within tol of one plane). */
+KW_API int16_t U_isp1sp(const Point *P, int32_t n, double tol);
 
 KW_END_DECLS
 

@@ -1,4 +1,5 @@
-// Best-fit lines, planes, circles and spheres.
+// Best-fit lines, planes, circles and spheres: exact on noiseless points,
+// close on noisy ones.
 #include <vector>
 
 #include "support.hpp"
@@ -7,16 +8,28 @@ using namespace geomtest;
 
 namespace {
 
-// n+1 points along the line P + t V, each moved off it by up to noise.
-std::vector<Point> along_line(Random &rnd, Point P, Point V, int n, double noise) {
-    std::vector<Point> pts;
-    for (int i = 0; i <= n; ++i) {
-        const double t = rnd.uniform(-3, 3);
-        const Point e = rnd.point(noise);
-        pts.push_back(P3(P.x + t * V.x + e.x, P.y + t * V.y + e.y, P.z + t * V.z + e.z));
+// Points C + a e1 + b e2 + c e3 for (a, b, c) from gen, each moved by up to noise.
+struct Frame {
+    Point C, e1, e2, e3;
+    Frame(Random &rnd) : C(rnd.point(5.0)) {
+        e1 = rnd.point();
+        G_vecnip(&e1);
+        G_veccro(e1, rnd.point(), &e2);
+        G_vecnip(&e2);
+        G_veccro(e1, e2, &e3);
     }
-    return pts;
-}
+    template <class Gen>
+    std::vector<Point> points(Random &rnd, int n, double noise, Gen gen) const {
+        std::vector<Point> pts;
+        for (int i = 0; i <= n; ++i) {
+            const Point abc = gen(i), e = rnd.point(noise);
+            Point P{};
+            A_bilpoi(1, C, abc.x, e1, abc.y, e2, abc.z, e3, &P);
+            pts.push_back(P3(P.x + e.x, P.y + e.y, P.z + e.z));
+        }
+        return pts;
+    }
+};
 
 double abs_cos(Point U, Point V) {
     double c = 0;
@@ -26,88 +39,102 @@ double abs_cos(Point U, Point V) {
 
 }  // namespace
 
-TEST(LineFits, RecoverExactLinesAndStayCloseOnNoisyOnes) {
+TEST(Fits, LinesAndPlanes) {
     Random rnd;
-    for (int k = 0; k < 20; ++k) {
-        const Point P = rnd.point(5.0), V = rnd.point();
-        auto pts = along_line(rnd, P, V, 12, 0.0);
-        Point C{}, D{};
-        double mean = -1, max = -1;
-        ASSERT_EQ(G_lsqdln(pts.data(), 12, &C, &D, &mean, &max), 0);
-        EXPECT_NEAR(abs_cos(D, V), 1.0, 1e-12);
-        EXPECT_LT(max, 1e-12);
-        EXPECT_LE(mean, max);
-        Line L{};
-        G_makln2(&L, P, V, KW_LINE_INFINITE);
-        double dc = 0;
-        G_displn(C, &L, &dc);  // the centroid lies on the line
-        EXPECT_LT(dc, 1e-12);
-        // Noisy: the direction stays close and the greatest distance bounds
-        // every point's distance.
-        pts = along_line(rnd, P, V, 40, 1e-3);
-        ASSERT_EQ(G_lsqdln(pts.data(), 40, &C, &D, &mean, &max), 0);
-        EXPECT_NEAR(abs_cos(D, V), 1.0, 1e-5);
-        EXPECT_LT(max, 4e-3);
-        G_makln2(&L, C, D, KW_LINE_INFINITE);
-        for (const Point &X : pts) {
-            double d = 0;
-            G_displn(X, &L, &d);
-            EXPECT_LE(d, max * (1 + 1e-12));
+    for (double noise : {0.0, 1e-3}) {
+        const double tol = noise == 0 ? 1e-12 : 5e-3, ctol = noise == 0 ? 1e-12 : 1e-5;
+        for (int k = 0; k < 10; ++k) {
+            const Frame F(rnd);
+            auto line = F.points(rnd, 30, noise, [&](int) { return P3(rnd.uniform(-3, 3), 0, 0); });
+            Point C{}, D{};
+            Line L{};
+            double mean = 0, max = 0;
+            ASSERT_EQ(G_lsqdln(line.data(), 30, &C, &D, &mean, &max), 0);
+            EXPECT_GT(abs_cos(D, F.e1), 1 - ctol);
+            EXPECT_LT(max, tol);
+            ASSERT_EQ(G_lsqln3(line.data(), 30, &L, &mean, &max), 0);
+            EXPECT_GT(abs_cos(L.direction, F.e1), 1 - ctol);
+            EXPECT_LE(mean, max);
+            EXPECT_LT(max, tol);
+            auto plane = F.points(rnd, 30, noise, [&](int) { return P3(rnd.uniform(-3, 3), rnd.uniform(-3, 3), 0); });
+            ASSERT_EQ(G_lsqdpl(plane.data(), 30, &C, &D, &mean, &max), 0);
+            EXPECT_GT(abs_cos(D, F.e3), 1 - ctol);
+            EXPECT_LT(max, tol);
+            // The minimax plane's greatest distance is not above the least-squares one's.
+            Plane pl{};
+            double mx = 0;
+            ASSERT_EQ(G_mxapln(plane.data(), 30, &pl, &mx), 0);
+            EXPECT_LE(mx, max + 1e-7);
+            for (const Point &X : plane) {
+                double d = 0;
+                G_disppl(X, &pl, &d);
+                EXPECT_LE(std::fabs(d), mx + 1e-12);
+            }
+        }
+    }
+    // The minimax plane of a box's corners halves its thinnest side.
+    Point box[8];
+    for (int i = 0; i < 8; ++i) box[i] = P3(i & 1 ? 4 : 0, i & 2 ? 3 : 0, i & 4 ? 0.5 : 0);
+    Plane pl{};
+    double mx = 0;
+    ASSERT_EQ(G_mxapln(box, 7, &pl, &mx), 0);
+    EXPECT_NEAR(mx, 0.25, 1e-7);
+}
+
+TEST(Fits, CirclesAndSpheres) {
+    Random rnd;
+    for (double noise : {0.0, 1e-3}) {
+        const double tol = noise == 0 ? 1e-9 : 5e-3;
+        for (int k = 0; k < 10; ++k) {
+            const Frame F(rnd);
+            const double r0 = rnd.uniform(0.5, 3.0), arc = rnd.uniform(0.5, 2 * M_PI);
+            auto circle = F.points(rnd, 20, noise, [&](int i) {
+                return P3(r0 * std::cos(arc * i / 20), r0 * std::sin(arc * i / 20), 0);
+            });
+            Point C{}, N{};
+            double r = 0, mean = 0, max = 0;
+            ASSERT_EQ(G_lsqcir(circle.data(), 20, &C, &N, &r, &mean, &max), 0) << arc;
+            EXPECT_POINT_NEAR(C, F.C, 30 * tol);
+            EXPECT_NEAR(r, r0, 30 * tol);
+            EXPECT_GT(abs_cos(N, F.e3), 1 - tol);
+            EXPECT_LT(max, 3 * tol);
+            auto sphere = F.points(rnd, 30, noise, [&](int) {
+                Point d = rnd.point();
+                G_vecnip(&d);
+                return P3(r0 * d.x, r0 * d.y, r0 * std::fabs(d.z));  // a half sphere
+            });
+            ASSERT_EQ(G_lsqsph(sphere.data(), 30, &C, &r, &mean, &max), 0);
+            EXPECT_POINT_NEAR(C, F.C, 10 * tol);
+            EXPECT_NEAR(r, r0, 10 * tol);
+            EXPECT_LT(max, 3 * tol);
         }
     }
 }
 
-TEST(LineFits, DegenerateInput) {
-    Point same[3] = {P3(1, 2, 3), P3(1, 2, 3), P3(1, 2, 3)};
-    Point C = P3(9, 9, 9), D = P3(9, 9, 9);
-    double mean = -1, max = -1;
+TEST(Fits, DegenerateInput) {
+    Point same[4] = {P3(1, 2, 3), P3(1, 2, 3), P3(1, 2, 3), P3(1, 2, 3)}, C = P3(9, 9, 9), D = C;
+    Point row[5] = {P3(0, 0, 0), P3(1, 0, 0), P3(2, 0, 0), P3(3, 0, 0), P3(5, 0, 0)};
+    Point flat[5] = {P3(0, 0, 0), P3(1, 0, 0), P3(0, 1, 0), P3(1, 1, 0), P3(3, 2, 0)};
+    double mean = -1, max = -1, r = 0;
+    Line L{};
     E_clrerr();
-    EXPECT_EQ(G_lsqdln(same, 2, &C, &D, &mean, &max), 1);
+    EXPECT_EQ(G_lsqdln(same, 3, &C, &D, &mean, &max), 1);
     EXPECT_EQ(E_errtyp(), 17);
     EXPECT_STREQ(E_errnam(), "G_VECNIP");
     EXPECT_POINT_NEAR(C, P3(9, 9, 9), 1e-300);
     EXPECT_EQ(mean, -1);
     EXPECT_EQ(G_lsqdln(same, -1, &C, &D, &mean, &max), 1);
     EXPECT_EQ(E_errtyp(), 11);
-    EXPECT_STREQ(E_errnam(), "G_LSQDLN");
-    EXPECT_EQ(G_lsqdln(same, -3, &C, &D, &mean, &max), 1);
+    EXPECT_EQ(G_lsqdpl(same, -3, &C, &D, &mean, &max), 1);
     EXPECT_EQ(E_errtyp(), 14);
-    // Two points: the line through them.
-    Point two[2] = {P3(0, 0, 0), P3(2, 2, 0)};
-    ASSERT_EQ(G_lsqdln(two, 1, &C, &D, &mean, &max), 0);
-    EXPECT_POINT_NEAR(C, P3(1, 1, 0), 1e-15);
-    EXPECT_NEAR(abs_cos(D, P3(1, 1, 0)), 1.0, 1e-15);
-    Line L{};
-    EXPECT_EQ(G_lsqln2(same, 2, &L, &mean, &max), 1);
+    EXPECT_EQ(G_lsqln3(same, 3, &L, &mean, &max), 1);
     EXPECT_EQ(E_errtyp(), 17);
-    EXPECT_EQ(G_lsqln2(same, 0, &L, &mean, &max), 1);
+    EXPECT_EQ(G_lsqcir(row, 4, &C, &D, &r, &mean, &max), 1);
+    EXPECT_EQ(E_errtyp(), 11);
+    EXPECT_STREQ(E_errnam(), "G_LSQCIR");
+    EXPECT_EQ(G_lsqsph(flat, 4, &C, &r, &mean, &max), 1);
+    EXPECT_EQ(E_errtyp(), 11);
+    EXPECT_STREQ(E_errnam(), "G_LSQSPH");
+    EXPECT_EQ(G_lsqsph(flat, 2, &C, &r, &mean, &max), 1);
     EXPECT_EQ(E_errtyp(), 14);
-}
-
-TEST(LineFits, PlanarRegressionMinimisesOrthogonalDistances) {
-    Random rnd;
-    for (int k = 0; k < 20; ++k) {
-        const Point P = rnd.point(5.0), V = P3(rnd.uniform(-1, 1), rnd.uniform(-1, 1), 0);
-        auto pts = along_line(rnd, P, V, 30, 0.05);
-        Line L{};
-        double mean = 0, max = 0;
-        ASSERT_EQ(G_lsqln2(pts.data(), 30, &L, &mean, &max), 0);
-        EXPECT_EQ(L.point.z, 0.0);
-        EXPECT_EQ(L.direction.z, 0.0);
-        // The sum of squared xy distances does not drop for turned lines.
-        auto cost = [&](Point D) {
-            double s = 0;
-            for (const Point &X : pts) {
-                const double c = (X.x - L.point.x) * D.y - (X.y - L.point.y) * D.x;
-                s += c * c;
-            }
-            return s;
-        };
-        const double best = cost(L.direction);
-        for (double a : {-0.01, 0.01, 0.3}) {
-            const Point D = P3(std::cos(a) * L.direction.x - std::sin(a) * L.direction.y,
-                               std::sin(a) * L.direction.x + std::cos(a) * L.direction.y, 0);
-            EXPECT_GT(cost(D), best);
-        }
-    }
 }
