@@ -133,7 +133,9 @@ Box box_of(const Src &src) noexcept {
     return b;
 }
 
-// The mean and greatest of dist(P) over the source's points.
+// The mean (the sum times 1 / count) and the greatest of dist(P) over the
+// source's points, the greatest starting from -1 and replaced only by a
+// strictly greater value.
 template <class Src, class Dist>
 void spread(const Src &src, Dist dist, double *mean, double *max) noexcept {
     double sum = 0.0, big = -1.0;
@@ -142,7 +144,7 @@ void spread(const Src &src, Dist dist, double *mean, double *max) noexcept {
         sum += d;
         if (d > big) big = d;
     }
-    *mean = sum / src.count();
+    *mean = sum * (1.0 / src.count());
     *max = big;
 }
 

@@ -17,21 +17,24 @@ bool straight(const Src &src, double tol) noexcept {
     return max <= tol;
 }
 
-// Every point within tol of the least-squares plane.
+// Every point within tol of the least-squares plane; *fitted tells whether
+// the plane could be had at all.
 template <class Src>
-bool flat(const Src &src, double tol, Point *N) noexcept {
+bool flat(const Src &src, double tol, Point *N, bool *fitted) noexcept {
     static char name[] = "U_ISSFLT";
     Point C{};
     double mean = 0.0, max = 0.0;
-    return !fit_plane(src, &C, N, &mean, &max, name) && max <= tol;
+    *fitted = !fit_plane(src, &C, N, &mean, &max, name);
+    return *fitted && max <= tol;
 }
 
 // Flat, and neither point-like nor straight, which leave the plane open.
 template <class Src>
 bool planar(const Src &src, double tol, Point *N) noexcept {
     Point normal{};
+    bool fitted = false;
     if (src.count() < 3 || point_like(src, tol) || straight(src, tol)) return false;
-    if (!flat(src, tol, &normal)) return false;
+    if (!flat(src, tol, &normal, &fitted)) return false;
     *N = normal;
     return true;
 }
@@ -57,7 +60,8 @@ int16_t U_issurf(const Surface *sur, double tol, Point *N) {
 
 int16_t U_issflt(const Surface *sur, double tol) {
     Point N{};
-    return flat(NetPoints{sur->net}, tol, &N);
+    bool fitted = false;
+    return flat(NetPoints{sur->net}, tol, &N, &fitted);
 }
 
 int16_t U_isp1pl(const Point *P, int32_t n, double tol) {
@@ -75,7 +79,8 @@ int16_t U_isp1ci(const Point *P, int32_t n, double tol) {
 
 int16_t U_isp1sp(const Point *P, int32_t n, double tol) {
     Point N{};
-    if (n < 3 || flat(Points{P, n}, tol, &N)) return 0;
+    bool fitted = false;
+    if (n < 3 || flat(Points{P, n}, tol, &N, &fitted) || !fitted) return 0;
     Point C{};
     double r = 0.0, mean = 0.0, max = 0.0;
     return !G_lsqsph(P, n, &C, &r, &mean, &max) && max <= tol;

@@ -31,6 +31,8 @@ int16_t check4(RealMatrix *T, char *name, StorageStacks *stk) noexcept {
 
 // The value at u of a scalar B-spline function whose knots have been
 // validated: span search and the non-zero basis functions, on fixed tables.
+// Kept here so that elementary geometry does not depend on the evaluators,
+// which are built on it.
 double function_value(const CurveFunction *cfn, double u) noexcept {
     const int p = cfn->p;
     const int32_t n = cfn->cvl->n;

@@ -44,9 +44,9 @@ int16_t G_vecnip(Point *V) {
 
 int16_t G_veccos(Point U, Point V, double *c) {
     static char name[] = "G_VECCOS";
-    const double denominator = std::sqrt(dot(U, U) * dot(V, V));
-    if (M_chkfop(1.0, denominator, 4)) return fail(KW_EZEROVEC, name);
-    *c = std::clamp(dot(U, V) / denominator, -1.0, 1.0);
+    const double numerator = dot(U, V), denominator = std::sqrt(dot(U, U) * dot(V, V));
+    if (M_chkfop(numerator, denominator, 4)) return fail(KW_EZEROVEC, name);
+    *c = std::clamp(numerator / denominator, -1.0, 1.0);
     return 0;
 }
 

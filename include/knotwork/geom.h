@@ -354,10 +354,11 @@ KW_API int16_t G_lsqpln(const ControlPoint *Pw, int32_t n, Plane *pln, double *m
    n < 2, 12 when neither happens within 1000 sweeps. */
 KW_API int16_t G_mxapln(const Point *P, int32_t n, Plane *pln, double *max);
 /* The least-squares circle in space: centre C, unit axis N, radius r, in
-   the least-squares plane; refined from the circle through three points
-   chosen along the best-fit line (G_lsqdln) by Gauss-Newton steps, ending
-   with the last iterate, the error state cleared, when a step's system is
-   singular. 14 when n < 2, 11 when the points are collinear. */
+   the least-squares plane. The circle through the points at either end of
+   the best-fit line (G_lsqdln) and the point farthest from their chord
+   seeds Gauss-Newton steps, which end with the last iterate, the error
+   state cleared, when a step's system is singular. 14 when n < 2, 11 when
+   the points are collinear. */
 KW_API int16_t G_lsqcir(const Point *P, int32_t n, Point *C, Point *N, double *r, double *mean,
                         double *max);
 /* The least-squares sphere: centre C and radius r, refined from the

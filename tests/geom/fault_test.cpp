@@ -12,7 +12,8 @@ namespace {
 
 // Runs op(stk) with the k-th allocation failing, k = 1, 2, ... until it
 // succeeds without the fault firing; returns the number of failing runs.
-int sweep(const std::function<int16_t(StorageStacks *)> &op) {
+// A failing run must give `failed` (a predicate answers 0) and code 15.
+int sweep(const std::function<int16_t(StorageStacks *)> &op, int16_t failed = 1) {
     for (int k = 1; k < 1000; ++k) {
         StorageStacks stk;
         N_inurbs(&stk);
@@ -23,10 +24,10 @@ int sweep(const std::function<int16_t(StorageStacks *)> &op) {
         kw::fault::fail_at(0);
         N_enurbs(&stk);
         if (!fired) {
-            EXPECT_EQ(rc, 0);
+            EXPECT_EQ(rc, 1 - failed);
             return k - 1;
         }
-        EXPECT_EQ(rc, 1) << "allocation " << k;
+        EXPECT_EQ(rc, failed) << "allocation " << k;
         EXPECT_EQ(E_errtyp(), 15) << "allocation " << k;
         EXPECT_EQ(std::string(E_errnam()).rfind("S_GET", 0), 0u) << E_errnam();
     }
@@ -66,4 +67,30 @@ TEST(FaultInjection, FitsOnTheirPrivateStacks) {
     EXPECT_GT(sweep([&](StorageStacks *) { return G_mxapln(P, 6, &pl, &max); }), 0);
     EXPECT_GT(sweep([&](StorageStacks *) { return G_lsqcir(P, 6, &C, &N, &r, &mean, &max); }), 0);
     EXPECT_GT(sweep([&](StorageStacks *) { return G_lsqsph(P, 6, &C, &r, &mean, &max); }), 0);
+}
+
+TEST(FaultInjection, PredicatesAnswerNoWhenRefusedScratch) {
+    Point ring[6], ball[6];
+    ControlPoint Pw[6];
+    for (int i = 0; i < 6; ++i) {
+        ring[i] = P3(std::cos(i), std::sin(i), 1);
+        ball[i] = P3(std::cos(i) * std::sin(i + 0.5), std::sin(i) * std::sin(i + 0.5), std::cos(i + 0.5));
+        A_poicpt(ring[i], &Pw[i]);
+    }
+    double U[8] = {0, 0, 1, 2, 3, 4, 5, 5};
+    ControlPolygon pol{5, Pw};
+    KnotVector knt{7, U};
+    Curve cur{&pol, 1, &knt};
+    ControlPoint *rows[2] = {Pw, Pw + 3};
+    ControlNet net{1, 2, rows};
+    KnotVector ku{3, U + 1}, kv{4, U + 1};
+    U[1] = 0;
+    Surface sur{&net, 1, 1, &ku, &kv};
+    Point N{};
+    EXPECT_GT(sweep([&](StorageStacks *) { return U_isp1pl(ring, 5, 1e-9); }, 0), 0);
+    EXPECT_GT(sweep([&](StorageStacks *) { return U_isp1ci(ring, 5, 1e-9); }, 0), 0);
+    EXPECT_GT(sweep([&](StorageStacks *) { return U_isp1sp(ball, 5, 1e-9); }, 0), 0);
+    EXPECT_GT(sweep([&](StorageStacks *) { return U_iscurf(&cur, 1e-9, &N); }, 0), 0);
+    EXPECT_GT(sweep([&](StorageStacks *) { return U_issurf(&sur, 1e-9, &N); }, 0), 0);
+    EXPECT_GT(sweep([&](StorageStacks *) { return U_issflt(&sur, 1e-9); }, 0), 0);
 }

@@ -17,15 +17,13 @@ TEST(Intersections, LinesAndPlanesMeetWhereConstructed) {
         EXPECT_EQ(G_intlnl(&L1, &L2, &Y, &s, &t), s0 >= 0 && s0 <= 1 && t0 >= 0 && t0 <= 1 ? 0 : 2);
         EXPECT_POINT_NEAR(Y, X, 1e-10);
         EXPECT_NEAR(s - s0 + t - t0, 0.0, 1e-10);
-        Plane pl{};
-        G_makpln(&pl, X, rnd.point());
-        ASSERT_NE(G_intlnp(&L1, &pl, &Y, &s), 1);
-        EXPECT_POINT_NEAR(Y, X, 1e-8);
-        // Two planes through X: their line lies on both.
+        // Planes through X: a line meets them there; two meet in a line on both.
         Plane A{}, B{};
         Line M{};
         G_makpln(&A, X, d1);
         G_makpln(&B, X, d2);
+        ASSERT_NE(G_intlnp(&L1, &B, &Y, &s), 1);
+        EXPECT_POINT_NEAR(Y, X, 1e-8);
         ASSERT_EQ(G_intplp(&A, &B, &M), 0);
         double da = 0, db = 0;
         G_vecpfv(M.point, 3.0, M.direction, &Y);
@@ -45,13 +43,10 @@ TEST(Intersections, LinesAndPlanesMeetWhereConstructed) {
     G_makpln(&A, P3(0, 0, 3), P3(0, 1, 0));
     G_makpln(&B, P3(0, 0, 1), P3(0, -3, 0));
     Line M{};
-    E_clrerr();
-    EXPECT_EQ(G_intlnl(&L1, &L2, &X, &s, &t), 1);
-    EXPECT_STREQ(E_errnam(), "G_INTLNL");
-    EXPECT_EQ(G_intlnp(&L1, &A, &X, &t), 1);
-    EXPECT_EQ(G_intplp(&A, &B, &M), 1);
-    EXPECT_EQ(E_errtyp(), 11);
-    EXPECT_POINT_NEAR(X, P3(0, 0, 0), 1e-300);
+    EXPECT_FAILS(G_intlnl(&L1, &L2, &X, &s, &t), 11);  // parallel
+    EXPECT_FAILS(G_intlnp(&L1, &A, &X, &t), 11);
+    EXPECT_FAILS(G_intplp(&A, &B, &M), 11);
+    EXPECT_POINT_EQ(X, P3(0, 0, 0));
 }
 
 TEST(Intersections, ControlPolygonAndPlane) {
@@ -75,9 +70,7 @@ TEST(Intersections, PlanarSegmentsAndCircles) {
     double s = 0, t = 0;
     ASSERT_EQ(G_intlsg(P3(0, 0, 3), P3(2, 2, 3), P3(0, 2, 0), P3(2, 0, 0), &X, &s, &t), 0);
     EXPECT_POINT_NEAR(X, P3(1, 1, 0), 1e-15);
-    E_clrerr();
-    EXPECT_EQ(G_intlsg(P3(0, 0, 0), P3(1, 1, 0), P3(0, 1, 0), P3(1, 2, 0), &X, &s, &t), 1);
-    EXPECT_EQ(E_errtyp(), 11);
+    EXPECT_FAILS(G_intlsg(P3(0, 0, 0), P3(1, 1, 0), P3(0, 1, 0), P3(1, 2, 0), &X, &s, &t), 11);
     Random rnd;  // the predicate agrees with the intersection
     for (int k = 0; k < 200; ++k) {
         const Point A = rnd.point(), B = rnd.point(), C = rnd.point(), D = rnd.point();
@@ -139,11 +132,9 @@ TEST(Projections, LandOnTheirLineOrPlane) {
         G_disppl(P, &pl, &dp);
         EXPECT_NEAR(d, 0.0, 1e-12);
         EXPECT_NEAR(dist(P, Q), std::fabs(dp), 1e-12);  // moved along the normal
-        ASSERT_EQ(G_plnimp(&pl, &a, &b, &c, &e), 0);
-        ASSERT_EQ(G_prjphp(P, 3 * a, 3 * b, 3 * c, 3 * e, &Qh), 0);
+        ASSERT_EQ(G_plnimp(&pl, &a, &b, &c, &e) + G_prjphp(P, 3 * a, 3 * b, 3 * c, 3 * e, &Qh), 0);
         ASSERT_EQ(G_prjpab(&P, 0, &pl, Qa), 0);
-        EXPECT_POINT_NEAR(Qh, Q, 1e-12);
-        EXPECT_POINT_NEAR(Qa[0], Q, 1e-12);
+        EXPECT_LT(dist(Qh, Q) + dist(Qa[0], Q), 1e-12);
         Line L{};
         G_makln2(&L, rnd.point(5.0), rnd.point(), KW_LINE_INFINITE);
         ASSERT_EQ(G_prjpln(P, &L, &Q, &t), 0);
@@ -151,11 +142,4 @@ TEST(Projections, LandOnTheirLineOrPlane) {
         G_vecdot(P3(P.x - Q.x, P.y - Q.y, P.z - Q.z), L.direction, &dp);
         EXPECT_NEAR(std::fabs(d) + std::fabs(dp), 0.0, 1e-12);  // on it, perpendicular foot
     }
-    Point pts[4] = {P3(0, 0, 0), P3(2, 0, 0), P3(2, 2, 0), P3(0, 2, 0)}, Q{};
-    PointPolyline ppl{3, pts};
-    int32_t i = -1;
-    double t = -1;
-    G_polppr(P3(3, 1, 0), &ppl, &Q, &i, &t);
-    EXPECT_POINT_NEAR(Q, P3(2, 1, 0), 1e-15);
-    EXPECT_EQ(i + t, 1.5);
 }
