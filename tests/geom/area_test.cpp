@@ -96,32 +96,16 @@ TEST(Polygons, OffsetPlaneAndWeights) {
 }
 
 TEST(Circles, ThroughPointsAndOfCurvature) {
-    Random rnd;
-    for (int k = 0; k < 20; ++k) {
-        const Point M0 = rnd.point(5.0);
-        const double r0 = rnd.uniform(0.5, 3.0);
-        Point X[4], M{}, N{};
-        double r = 0;
-        for (auto &Xi : X) {  // points of a sphere
-            Point d = rnd.point();
-            G_vecnip(&d);
-            G_vecpfv(M0, r0, d, &Xi);
-        }
-        ASSERT_EQ(G_sphcer(X[0], X[1], X[2], X[3], &M, &r), 0);
-        EXPECT_POINT_NEAR(M, M0, 1e-8);
-        EXPECT_NEAR(r, r0, 1e-8);
-        // Three of them lie on a circle whose centre is M0's foot on their plane.
-        ASSERT_EQ(G_circer(X[0], X[1], X[2], &M, &N, &r), 0);
-        Plane pl{};
-        Point foot{};
-        G_makpln(&pl, X[0], N);
-        G_prjppl(M0, &pl, &foot);
-        EXPECT_POINT_NEAR(M, foot, 1e-8);
-        EXPECT_NEAR(r, dist(foot, X[1]), 1e-8);
-    }
-    const double t = 0.7;  // the helix (cos t, sin t, t) has radius of curvature 2
     Point M{}, N{};
     double r = 0;
+    ASSERT_EQ(G_circer(P3(1, 5, 2), P3(4, 2, 2), P3(1, -1, 2), &M, &N, &r), 0);
+    EXPECT_POINT_NEAR(M, P3(1, 2, 2), 1e-14);
+    EXPECT_POINT_NEAR(N, P3(0, 0, -1), 1e-15);  // along (B - A) x (C - A)
+    EXPECT_NEAR(r, 3.0, 1e-14);
+    ASSERT_EQ(G_sphcer(P3(1, 2, 5), P3(1, 2, -1), P3(4, 2, 2), P3(1, -1, 2), &M, &r), 0);
+    EXPECT_POINT_NEAR(M, P3(1, 2, 2), 1e-14);
+    EXPECT_NEAR(r, 3.0, 1e-14);
+    const double t = 0.7;  // the helix (cos t, sin t, t) has radius of curvature 2
     ASSERT_EQ(G_cirder(P3(std::cos(t), std::sin(t), t), P3(-std::sin(t), std::cos(t), 1),
                        P3(-std::cos(t), -std::sin(t), 0), &M, &N, &r), 0);
     EXPECT_NEAR(r, 2.0, 1e-14);
