@@ -191,6 +191,9 @@ int16_t compact2(R *r, StorageStacks *stk) noexcept {
 
 // ---- Knot reparametrisation -------------------------------------------------
 
+// A knot vector whose ends coincide has no interval to map from.
+bool degenerate(const KnotVector *knt) noexcept { return !(knt->U[0] < knt->U[knt->m]); }
+
 bool same_interval(const KnotVector *knt, double a, double b) noexcept {
     return knt->U[0] == a && knt->U[knt->m] == b;
 }
@@ -694,23 +697,25 @@ int16_t U_sfncmp(SurfaceFunction *sfn, StorageStacks *stk) { return compact2(sfn
 // ---- Knot reparametrisation ---------------------------------------------------------
 
 int16_t U_curkts(Curve *cur, double a, double b) {
-    if (!(a < b)) return fail(KW_EARG, kts_names[0]);
+    if (!(a < b) || degenerate(cur->knt)) return fail(KW_EARG, kts_names[0]);
     reparametrise(cur->knt, cur->p, a, b);
     return 0;
 }
 int16_t U_surkts(Surface *sur, double a, double b, double c, double d) {
-    if (!(a < b) || !(c < d)) return fail(KW_EARG, kts_names[1]);
+    if (!(a < b) || !(c < d) || degenerate(sur->knu) || degenerate(sur->knv))
+        return fail(KW_EARG, kts_names[1]);
     reparametrise(sur->knu, sur->p, a, b);
     reparametrise(sur->knv, sur->q, c, d);
     return 0;
 }
 int16_t U_cfnkts(CurveFunction *cfn, double a, double b) {
-    if (!(a < b)) return fail(KW_EARG, kts_names[2]);
+    if (!(a < b) || degenerate(cfn->knt)) return fail(KW_EARG, kts_names[2]);
     reparametrise(cfn->knt, cfn->p, a, b);
     return 0;
 }
 int16_t U_sfnkts(SurfaceFunction *sfn, double a, double b, double c, double d) {
-    if (!(a < b) || !(c < d)) return fail(KW_EARG, kts_names[3]);
+    if (!(a < b) || !(c < d) || degenerate(sfn->knu) || degenerate(sfn->knv))
+        return fail(KW_EARG, kts_names[3]);
     reparametrise(sfn->knu, sfn->p, a, b);
     reparametrise(sfn->knv, sfn->q, c, d);
     return 0;

@@ -205,6 +205,10 @@ double ****S_getr4d(int32_t n, int32_t m, int32_t k, int32_t l, StorageStacks *s
         E_seterr(KW_EARG, name);
         return nullptr;
     }
+    if (blocks * planes > static_cast<std::size_t>(INT32_MAX)) {
+        E_seterr(KW_ENOMEM, name);
+        return nullptr;
+    }
     double ***third = S_getr3d(static_cast<int32_t>(blocks * planes) - 1, k, l, stk);
     if (!third) return nullptr;
     auto ****top = static_cast<double ****>(get_block(blocks, sizeof(double ***), KW_LIST_R4D, name, stk));
@@ -464,7 +468,7 @@ template <class E>
 Matrix<E> *get_matrix(int32_t n, int32_t m, int32_t type, int32_t w, int list,
                       E **(*get_data)(int32_t, int32_t, StorageStacks *), char *name,
                       StorageStacks *stk) {
-    if (type < KW_FULL || type > KW_BANDED || (type == KW_BANDED && w < 1)) {
+    if (type < KW_FULL || type > KW_BANDED || w < 1) {
         E_seterr(KW_EARG, name);
         return nullptr;
     }

@@ -1,7 +1,6 @@
 // The matrix record family and the floating-point overflow guard.
 #include "numeric/matrix.hpp"
 
-#include <cfloat>
 #include <cmath>
 
 namespace kw {
@@ -35,22 +34,28 @@ void M_NoErrChk(int16_t flag) { no_error_check = flag; }
 
 int16_t M_chkfop(double a, double b, int16_t op) {
     if (!overflow_checks()) return 0;
-    constexpr double big = DBL_MAX;
-    const double fa = std::fabs(a), fb = std::fabs(b);
+    // The operation itself, in round-to-nearest without traps, says exactly
+    // whether the result leaves the finite doubles; a bound on magnitudes
+    // would also refuse a - a for a large a.
+    double r = 0.0;
     switch (op) {
     case 1:
+        r = a + b;
+        break;
     case 2:
-        // |a +- b| <= |a| + |b|: safe when the bound itself stays finite.
-        return !(fa <= big - fb);
+        r = a - b;
+        break;
     case 3:
-        return !(fa <= 1.0 || fb <= 1.0 || fa <= big / fb);
+        r = a * b;
+        break;
     case 4:
-        // A zero divisor never gives a finite quotient, 0/0 included.
-        if (fb >= 1.0) return !(fa <= big);
-        return !(fb > 0.0 && fa <= big * fb);
+        if (b == 0.0) return 1;
+        r = a / b;
+        break;
     default:
         return 1;
     }
+    return !std::isfinite(r);
 }
 
 // ---- Real matrices --------------------------------------------------------

@@ -43,10 +43,14 @@ bool matrix_is_empty(const Matrix<E> *mat) noexcept {
     return !(mat->n >= 0 && mat->m >= 0 && mat->a && mat->w > 0);
 }
 
+inline bool matrix_shape_ok(int32_t type, int32_t w) noexcept {
+    return type >= KW_FULL && type <= KW_BANDED && w >= 1;
+}
+
 template <class E>
 int16_t matrix_get(Matrix<E> *mat, int32_t n, int32_t m, int32_t type, int32_t w, char *name,
                    StorageStacks *stk) noexcept {
-    if (type < KW_FULL || type > KW_BANDED || w < 1) return fail(KW_EARG, name);
+    if (!matrix_shape_ok(type, w)) return fail(KW_EARG, name);
     E **a = get2d<E>(n, matrix_columns(m, type, w), stk);
     if (!a) return 1;
     *mat = Matrix<E>{n, m, a, type, w};
@@ -59,11 +63,13 @@ int16_t matrix_storage_ok(const PointMatrix *mat, int32_t n, int32_t m, char *na
 int16_t matrix_storage_ok(const ControlPointMatrix *mat, int32_t n, int32_t m, char *name);
 
 // An empty result is allocated; an existing one must hold the rows, the
-// columns and, stored, the row width wanted (code 9), and is redefined.
+// columns and, stored, the row width wanted (code 9), and is redefined. An
+// unknown type or band width is refused (code 14) either way.
 template <class E>
 int16_t matrix_check(Matrix<E> *mat, int32_t n, int32_t m, int32_t type, int32_t w, char *name,
                      StorageStacks *stk) noexcept {
     if (matrix_is_empty<E>(mat)) return matrix_get<E>(mat, n, m, type, w, name, stk);
+    if (!matrix_shape_ok(type, w)) return fail(KW_EARG, name);
     if (matrix_storage_ok(mat, n, m, name)) return 1;
     if (matrix_columns(m, type, w) > matrix_columns(mat->m, mat->type, mat->w))
         return fail(KW_ESTORAGE, name);

@@ -1,10 +1,58 @@
-/* Knotwork: points, derivatives and normals of curves, surfaces and functions. */
+/* Knotwork: points, derivatives and normals of curves, surfaces and functions.
+
+   u must lie in [U[0], U[m]] (6, under the evaluator's name). side is
+   KW_RIGHT (1) or KW_LEFT (2), passed to the span search, which records 13
+   under "N_KNTFSP" for another value. k is a derivative order, 0..KW_MAX_ORDER
+   (20 otherwise); derivative results are arrays of k + 1 elements, index 0
+   the point itself. A curve or function whose parts do not agree records 1
+   (m != n + p + 1), 3 (degree outside 0..KW_MAX_DEGREE) or 4 (fewer than
+   p + 1 coefficients). Scratch arrays come from stk and are killed before
+   return (15 under the allocator's name when one cannot be had). Outputs are
+   written only on success. */
 #ifndef KNOTWORK_EVAL_H
 #define KNOTWORK_EVAL_H
 
 #include "types.h"
 
 KW_BEGIN_DECLS
+
+/* ---- Curves ----------------------------------------------------------- */
+
+/* *C := the Cartesian point C(u); a planar curve gives z = 0. Allocates
+   nothing. A bad side records 13 but the point is that from the right and
+   the status 0. */
+KW_API int16_t N_curevn(const Curve *cur, double u, int16_t side, Point *C);
+/* *Cw := the homogeneous point Cw(u), not divided by its weight; the planar
+   and non-rational markers are kept. Side as N_curevn. */
+KW_API int16_t N_curevr(const Curve *cur, double u, int16_t side, ControlPoint *Cw);
+/* CK[0..k] := C(u) and its derivatives; rational curves through the
+   derivatives of their rational basis functions. Allocates nothing. */
+KW_API int16_t N_curder(const Curve *cur, double u, int16_t side, int16_t k, Point *CK);
+/* CKw[0..k] := the derivatives of the homogeneous curve Cw(u), with the
+   markers kept. */
+KW_API int16_t N_currdr(const Curve *cur, double u, int16_t side, int16_t k, ControlPoint *CKw,
+                        StorageStacks *stk);
+/* *dC := the derivative of C(u) with respect to the interior knot U[j],
+   taken as the first of its run (kside 1) or the last (kside 2). Codes of
+   N_kntbdk (7, 13, 14, 21) under "N_KNTBDK". */
+KW_API int16_t N_curdrk(const Curve *cur, int32_t j, double u, int16_t kside, int16_t side,
+                        Point *dC, StorageStacks *stk);
+
+/* ---- Curve functions: f(u) = sum N[i](u) f[i] --------------------------- */
+
+/* *f := f(u). Allocates nothing; side as N_curevn. */
+KW_API int16_t N_cfnevn(const CurveFunction *cfn, double u, int16_t side, double *f);
+/* f[0..k] := f(u) and its derivatives. */
+KW_API int16_t N_cfnder(const CurveFunction *cfn, double u, int16_t side, int16_t k, double *f,
+                        StorageStacks *stk);
+/* *df := the derivative of f(u) with respect to the interior knot U[j];
+   codes as N_curdrk. */
+KW_API int16_t N_cfndrk(const CurveFunction *cfn, int32_t j, double u, int16_t kside,
+                        int16_t side, double *df, StorageStacks *stk);
+/* *R := N[i](u) f[i] / f(u), the rational basis function with the
+   function's values as weights. Allocates nothing. 7 unless 0 <= i <= n;
+   13; 11 when f(u) = 0. */
+KW_API int16_t N_cfnrbf(const CurveFunction *cfn, int32_t i, double u, int16_t side, double *R);
 
 KW_END_DECLS
 

@@ -17,8 +17,9 @@ KW_BEGIN_DECLS
 
 /* While flag > 0, M_chkfop reports every operation as safe. */
 KW_API void M_NoErrChk(int16_t flag);
-/* 1 when a op b (op 1 +, 2 -, 3 *, 4 /) would overflow the largest double,
-   divides by zero, or op is not 1..4; 0 otherwise. */
+/* 1 when a op b (op 1 +, 2 -, 3 *, 4 /) has no finite result: it would
+   overflow the largest double or divide by zero (or an operand is not
+   finite); 1 also when op is not 1..4; 0 otherwise. */
 KW_API int16_t M_chkfop(double a, double b, int16_t op);
 
 /* ---- Real matrices ---------------------------------------------------- */
@@ -39,7 +40,7 @@ KW_API int16_t M_getrma(RealMatrix *mat, int32_t n, int32_t m, int32_t type, int
 /* 1 unless both last indices are at least 0, the data is set and w > 0. */
 KW_API int16_t M_isrman(const RealMatrix *mat);
 /* Empty: allocated; existing: must hold the size wanted (code 9 under name),
-   then redefined. */
+   then redefined. Code 14 for an unknown type or w < 1. */
 KW_API int16_t M_rmachk(RealMatrix *mat, int32_t n, int32_t m, int32_t type, int32_t w, char *name,
                         StorageStacks *stk);
 
@@ -61,7 +62,7 @@ KW_API int16_t M_getima(IntegerMatrix *mat, int32_t n, int32_t m, int32_t type, 
 /* 1 unless both last indices are at least 0, the data is set and w > 0. */
 KW_API int16_t M_isiman(const IntegerMatrix *mat);
 /* Empty: allocated; existing: must hold the size wanted (code 9 under name),
-   then redefined. */
+   then redefined. Code 14 for an unknown type or w < 1. */
 KW_API int16_t M_imachk(IntegerMatrix *mat, int32_t n, int32_t m, int32_t type, int32_t w, char *name,
                         StorageStacks *stk);
 
@@ -83,7 +84,7 @@ KW_API int16_t M_getpma(PointMatrix *mat, int32_t n, int32_t m, int32_t type, in
 /* 1 unless both last indices are at least 0, the data is set and w > 0. */
 KW_API int16_t M_ispman(const PointMatrix *mat);
 /* Empty: allocated; existing: must hold the size wanted (code 9 under name),
-   then redefined. */
+   then redefined. Code 14 for an unknown type or w < 1. */
 KW_API int16_t M_pmachk(PointMatrix *mat, int32_t n, int32_t m, int32_t type, int32_t w, char *name,
                         StorageStacks *stk);
 
@@ -105,7 +106,7 @@ KW_API int16_t M_getcma(ControlPointMatrix *mat, int32_t n, int32_t m, int32_t t
 /* 1 unless both last indices are at least 0, the data is set and w > 0. */
 KW_API int16_t M_iscman(const ControlPointMatrix *mat);
 /* Empty: allocated; existing: must hold the size wanted (code 9 under name),
-   then redefined. */
+   then redefined. Code 14 for an unknown type or w < 1. */
 KW_API int16_t M_cmachk(ControlPointMatrix *mat, int32_t n, int32_t m, int32_t type, int32_t w, char *name,
                         StorageStacks *stk);
 

@@ -176,7 +176,8 @@ KW_API int16_t U_sfncmp(SurfaceFunction *sfn, StorageStacks *stk);
 
 /* ---- Knot reparametrisation -------------------------------------------
    Maps the knots linearly onto [a, b] (and [c, d] in v). Unchanged when the
-   interval is the current one; code 14 unless a < b (and c < d). */
+   interval is the current one; code 14 unless a < b (and c < d) and the
+   knots span an interval. */
 
 KW_API int16_t U_curkts(Curve *cur, double a, double b);
 KW_API int16_t U_surkts(Surface *sur, double a, double b, double c, double d);

@@ -1,0 +1,160 @@
+// Shared helpers of the text and IGES tests: contexts, files, streams and
+// objects with known values.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <string>
+
+#include "core/alloc.hpp"
+#include "knotwork.h"
+
+namespace kwt {
+
+// A storage context for one test, emptied at the end.
+class Stacks {
+public:
+    Stacks() { N_inurbs(&stk_); }
+    ~Stacks() { N_enurbs(&stk_); }
+    StorageStacks *get() { return &stk_; }
+    // How many allocations the context holds.
+    int nodes() const {
+        int count = 0;
+        for (const StackNode *head : stk_.head)
+            for (const StackNode *node = head; node; node = node->next) ++count;
+        return count;
+    }
+    bool empty() const { return nodes() == 0; }
+
+private:
+    StorageStacks stk_;
+};
+
+// A file in the working directory, removed at the end.
+class TempFile {
+public:
+    explicit TempFile(const std::string &contents = "") {
+        static int serial = 0;
+        path_ = "kwt_" + std::to_string(getpid()) + "_" + std::to_string(serial++) + ".txt";
+        if (!contents.empty()) write(contents);
+    }
+    ~TempFile() { std::remove(path_.c_str()); }
+    TempFile(const TempFile &) = delete;
+    TempFile &operator=(const TempFile &) = delete;
+
+    const char *path() const { return path_.c_str(); }
+    void write(const std::string &s) const {
+        FILE *f = std::fopen(path_.c_str(), "wb");
+        std::fwrite(s.data(), 1, s.size(), f);
+        std::fclose(f);
+    }
+    std::string read() const {
+        std::string s;
+        FILE *f = std::fopen(path_.c_str(), "rb");
+        if (!f) return s;
+        char buf[4096];
+        for (std::size_t got; (got = std::fread(buf, 1, sizeof buf, f)) > 0;) s.append(buf, got);
+        std::fclose(f);
+        return s;
+    }
+
+private:
+    std::string path_;
+};
+
+// A seekable stream holding bytes, closed at the end.
+class Stream {
+public:
+    explicit Stream(const std::string &s) : f_(std::tmpfile()) {
+        std::fwrite(s.data(), 1, s.size(), f_);
+        std::rewind(f_);
+    }
+    ~Stream() { std::fclose(f_); }
+    Stream(const Stream &) = delete;
+    Stream &operator=(const Stream &) = delete;
+    FILE *get() { return f_; }
+
+private:
+    FILE *f_;
+};
+
+// A pipe holding bytes (which cannot tell its length), closed at the end.
+class Pipe {
+public:
+    explicit Pipe(const std::string &s) {
+        int fd[2];
+        if (pipe(fd) != 0) return;
+        if (::write(fd[1], s.data(), s.size()) != static_cast<ssize_t>(s.size())) return;
+        ::close(fd[1]);
+        f_ = fdopen(fd[0], "r");
+    }
+    ~Pipe() {
+        if (f_) std::fclose(f_);
+    }
+    Pipe(const Pipe &) = delete;
+    Pipe &operator=(const Pipe &) = delete;
+    FILE *get() { return f_; }
+
+private:
+    FILE *f_ = nullptr;
+};
+
+// The value that "%18.16f" and a C-locale read give back for x.
+inline double through_text(double x) {
+    char buf[400];
+    std::snprintf(buf, sizeof buf, "%18.16f", x);
+    return std::strtod(buf, nullptr);
+}
+
+inline bool same_bits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+// Clamped knots 0 .. 1 of degree p over n+1 control points, interior ones
+// uniform.
+inline void uniform_knots(double *U, int32_t n, int16_t p) {
+    const int32_t m = n + p + 1;
+    for (int32_t i = 0; i <= m; ++i) {
+        if (i <= p) U[i] = 0.0;
+        else if (i >= m - p) U[i] = 1.0;
+        else U[i] = static_cast<double>(i - p) / (n - p + 1);
+    }
+}
+
+// A valid curve of a kind (1: 2-D, 2: 3-D, 3: 2-D rational, 4: 3-D
+// rational), with coordinates in [-10, 10] and weights in [0.5, 2].
+inline void random_curve(Curve *c, int kind, int32_t n, int16_t p, std::mt19937_64 &rng,
+                         StorageStacks *stk) {
+    std::uniform_real_distribution<double> coord(-10.0, 10.0), weight(0.5, 2.0);
+    U_inicur(c);
+    ASSERT_EQ(U_curchk(c, n, p, n + p + 1, const_cast<char *>("TEST"), stk), 0);
+    for (int32_t i = 0; i <= n; ++i) {
+        const double w = kind >= 3 ? weight(rng) : KW_NONRATIONAL;
+        const double z = kind % 2 == 0 ? coord(rng) : KW_PLANAR;
+        ControlPoint P{coord(rng), coord(rng), z, w};
+        A_weight(P, &c->pol->Pw[i]);
+    }
+    uniform_knots(c->knt->U, n, p);
+}
+
+// Every element of two curves agrees bit for bit.
+inline void expect_same_curve(const Curve *a, const Curve *b) {
+    ASSERT_EQ(a->pol->n, b->pol->n);
+    ASSERT_EQ(a->p, b->p);
+    ASSERT_EQ(a->knt->m, b->knt->m);
+    for (int32_t i = 0; i <= a->pol->n; ++i) {
+        const ControlPoint &P = a->pol->Pw[i], &Q = b->pol->Pw[i];
+        EXPECT_TRUE(same_bits(P.x, Q.x) && same_bits(P.y, Q.y) && same_bits(P.z, Q.z) &&
+                    same_bits(P.w, Q.w))
+            << "control point " << i;
+    }
+    for (int32_t j = 0; j <= a->knt->m; ++j)
+        EXPECT_TRUE(same_bits(a->knt->U[j], b->knt->U[j])) << "knot " << j;
+}
+
+inline std::string error_name() { return E_errnam(); }
+
+}  // namespace kwt
