@@ -123,7 +123,7 @@ const std::vector<FaultCase> &foundation_cases() {
         call("S_getcu1 flag 1", [](StorageStacks *s) { return status(S_getcu1(3, 1, s)); }, {{KW_LIST_CU2, 1}, {KW_LIST_CUR, 4}}),
         call("S_getcub", [](StorageStacks *s) { return status(S_getcub(3, s)); }, {{KW_LIST_CU3, 1}}),
         call("S_getcuc", [](StorageStacks *s) { return status(S_getcuc(3, s)); }, {{KW_LIST_CU4, 1}}),
-        call("S_getsu1", [](StorageStacks *s) { return status(S_getsu1(3, s)); }, {{KW_LIST_SU2, 1}}),
+        call("S_getsu1", [](StorageStacks *s) { return status(S_getsu1(3, s)); }, {{KW_LIST_SU2, 1}, {KW_LIST_SUR, 4}}),
         call("S_getsua", [](StorageStacks *s) { return status(S_getsua(3, s)); }, {{KW_LIST_SU2, 1}}),
         call("S_getkpa", [](StorageStacks *s) { return status(S_getkpa(3, s)); }, {{KW_LIST_KN2, 1}}),
         // Composite allocators.
