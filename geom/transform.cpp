@@ -5,6 +5,7 @@
 #include "geom/geom.hpp"
 #include "knotwork/arith.h"
 #include "knotwork/errors.h"
+#include "knotwork/eval.h"
 
 using namespace kw;
 
@@ -27,42 +28,6 @@ int16_t matrix4(RealMatrix *T, const double (&rows)[4][4]) noexcept {
 }
 int16_t check4(RealMatrix *T, char *name, StorageStacks *stk) noexcept {
     return M_rmachk(T, 3, 3, KW_FULL, 4, name, stk);
-}
-
-// The value at u of a scalar B-spline function whose knots have been
-// validated: span search and the non-zero basis functions, on fixed tables.
-// Kept here so that elementary geometry does not depend on the evaluators,
-// which are built on it.
-double function_value(const CurveFunction *cfn, double u) noexcept {
-    const int p = cfn->p;
-    const int32_t n = cfn->cvl->n;
-    const double *U = cfn->knt->U, *v = cfn->cvl->v;
-    int32_t span = n;
-    if (u < U[n + 1]) {
-        int32_t low = p, high = n + 1;
-        span = (low + high) / 2;
-        while (u < U[span] || u >= U[span + 1]) {
-            if (u < U[span]) high = span;
-            else low = span;
-            span = (low + high) / 2;
-        }
-    }
-    double N[KW_MAX_DEGREE + 1], left[KW_MAX_DEGREE + 1], right[KW_MAX_DEGREE + 1];
-    N[0] = 1.0;
-    for (int j = 1; j <= p; ++j) {
-        left[j] = u - U[span + 1 - j];
-        right[j] = U[span + j] - u;
-        double saved = 0.0;
-        for (int r = 0; r < j; ++r) {
-            const double temp = N[r] / (right[r + 1] + left[j - r]);
-            N[r] = saved + right[r + 1] * temp;
-            saved = left[j - r] * temp;
-        }
-        N[j] = saved;
-    }
-    double f = 0.0;
-    for (int j = 0; j <= p; ++j) f += N[j] * v[span - p + j];
-    return f;
 }
 
 double &coordinate(Point &P, int k) noexcept { return k == 0 ? P.x : k == 1 ? P.y : P.z; }
@@ -172,8 +137,9 @@ int16_t G_traaxl(Point P, const CurveFunction *cfn, int16_t axis, int16_t mode, 
     const int a = axis - 1, b = axis % 3, c = (axis + 1) % 3;
     Point R = P;
     const double u = coordinate(R, a);
-    if (E_parval(cfn->knt, u, name)) return 1;
-    const double f = factor * function_value(cfn, u);
+    double value = 0.0;
+    if (E_parval(cfn->knt, u, name) || N_cfnevn(cfn, u, KW_RIGHT, &value)) return 1;
+    const double f = factor * value;
     double &y = coordinate(R, b), &z = coordinate(R, c);
     if (mode == 4) {
         const double t = kPi * f, cs = std::cos(t), sn = std::sin(t);
