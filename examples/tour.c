@@ -1,5 +1,6 @@
 /* A short tour of Knotwork for host developers: plain C99 against the shared
    library. Run it as `tour OUTDIR`; files it writes go to OUTDIR. */
+#include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -56,6 +57,43 @@ static int16_t make_surface(Surface *sur, StorageStacks *stk) {
     return 0;
 }
 
+static double distance(Point A, Point B) {
+    return sqrt((A.x - B.x) * (A.x - B.x) + (A.y - B.y) * (A.y - B.y) + (A.z - B.z) * (A.z - B.z));
+}
+
+/* Evaluates the curve, inserts a knot, splits it, and checks that the
+   refined curve and the two pieces trace the original. */
+static void curve_tour(Curve *cur, StorageStacks *stk) {
+    Curve fine, left, right;
+    Point C, D[3];
+    double worst = 0.0;
+    int i;
+
+    printf("\n2. Evaluating a rational curve\n");
+    report("point and derivatives at u = 0.3", N_curder(cur, 0.3, KW_RIGHT, 2, D));
+    N_curevn(cur, 0.3, KW_RIGHT, &C);
+    printf("  C(0.3)   = (%.6f, %.6f, %.6f)\n", C.x, C.y, C.z);
+    printf("  C'(0.3)  = (%.6f, %.6f, %.6f)\n", D[1].x, D[1].y, D[1].z);
+    printf("  C''(0.3) = (%.6f, %.6f, %.6f)\n", D[2].x, D[2].y, D[2].z);
+
+    U_inicur(&fine);
+    U_inicur(&left);
+    U_inicur(&right);
+    report("insert u = 0.3 twice into a new curve", N_toocki(cur, 0.3, 2, &fine, stk, stk));
+    report("split the curve at u = 0.7", N_toocsp(cur, 0.7, &left, &right, stk));
+    printf("  %d control points -> %d after insertion; split into %d + %d\n", (int)cur->pol->n + 1,
+           (int)fine.pol->n + 1, (int)left.pol->n + 1, (int)right.pol->n + 1);
+    for (i = 0; i <= 1000; i++) {
+        double u = i / 1000.0;
+        Point A, B, S;
+        N_curevn(cur, u, KW_RIGHT, &A);
+        N_curevn(&fine, u, KW_RIGHT, &B);
+        N_curevn(u <= 0.7 ? &left : &right, u, KW_RIGHT, &S);
+        worst = fmax(worst, fmax(distance(A, B), distance(A, S)));
+    }
+    printf("  largest distance to the original over 1001 parameters: %.1e\n", worst);
+}
+
 int main(int argc, char **argv) {
     StorageStacks stk;
     Curve cur, copy, big;
@@ -90,7 +128,9 @@ int main(int argc, char **argv) {
         printf("  asking the compacted curve for 31 points: code %d in %s\n", (int)E_errtyp(),
                E_errnam());
 
-    printf("\n2. What the context holds\n");
+    curve_tour(&cur, &stk);
+
+    printf("\n3. What the context holds\n");
     U_shwstk(&stk);
     U_kilcur(&big, &stk);
     U_kilsur(&surcopy, &stk);
@@ -98,7 +138,10 @@ int main(int argc, char **argv) {
     U_shwstk(&stk);
 
     N_enurbs(&stk);
-    printf("\nafter emptying the context:\n");
-    U_shwstk(&stk);
+    {
+        int list, left = 0;
+        for (list = 0; list < KW_STACK_LISTS; list++) left += stk.head[list] != NULL;
+        printf("\nafter N_enurbs, %d of the %d lists hold anything\n", left, KW_STACK_LISTS);
+    }
     return 0;
 }
