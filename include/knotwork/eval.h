@@ -76,6 +76,14 @@ KW_API int16_t N_surevn(const Surface *sur, double u, double v, int16_t sideu, i
    (15 under "N_SURDER"). */
 KW_API int16_t N_surder(const Surface *sur, double u, double v, int16_t sideu, int16_t sidev,
                         int16_t mode, int16_t ku, int16_t kv, PointMatrix *SKL);
+/* *S := S(u, v), *Su and *Sv := the unit tangents along u and v, *N := the
+   unit normal Su x Sv, from N_surder's first partials in a 2 x 2 matrix
+   taken from stk and killed before return. 17 when a tangent is no longer
+   than 0.001 * U_tolpoi or the cross product of the unit tangents no longer
+   than U_tolzer (a collapsed edge, a cusp): no fallback to higher
+   derivatives. Codes of N_surder. */
+KW_API int16_t N_surnor(const Surface *sur, double u, double v, int16_t sideu, int16_t sidev,
+                        Point *S, Point *Su, Point *Sv, Point *N, StorageStacks *stk);
 
 KW_END_DECLS
 

@@ -4,9 +4,12 @@
 
 #include "core/alloc.hpp"
 #include "core/arith.hpp"
+#include "geom/geom.hpp"
 #include "knotwork/errors.h"
 #include "knotwork/eval.h"
 #include "knotwork/knots.h"
+#include "knotwork/numeric.h"
+#include "knotwork/storage.h"
 #include "nurbs/eval/kernel.hpp"
 #include "nurbs/knots/routine.hpp"
 
@@ -131,5 +134,32 @@ int16_t N_surder(const Surface *sur, double u, double v, int16_t sideu, int16_t 
             for (int i = 0; i <= p; ++i) sum = sum + accumulate(D[k][l][i], P[i], q);
             SKL->a[k][l] = sum;
         }
+    return 0;
+}
+
+int16_t N_surnor(const Surface *sur, double u, double v, int16_t sideu, int16_t sidev, Point *S,
+                 Point *Su, Point *Sv, Point *N, StorageStacks *stk) {
+    static char name[] = "N_SURNOR";
+    if (check_eval(sur, u, v, name)) return 1;
+    Scratch scratch(stk);
+    PointMatrix SKL;
+    if (M_getpma(&SKL, 1, 1, KW_FULL, 1, stk)) return 1;
+    scratch.keep<U_kilp2d>(SKL.a);
+    if (N_surder(sur, u, v, sideu, sidev, 1, 1, 1, &SKL)) return 1;
+    // Tangents no longer than a thousandth of the point tolerance, or unit
+    // tangents all but parallel, give no direction.
+    Point du = SKL.a[1][0], dv = SKL.a[0][1];
+    const double least = 0.001 * U_tolpoi;
+    if (!(norm(du) > least)) return fail(KW_EZEROVEC, name);
+    if (G_vecnip(&du)) return 1;
+    if (!(norm(dv) > least)) return fail(KW_EZEROVEC, name);
+    if (G_vecnip(&dv)) return 1;
+    Point normal = cross(du, dv);
+    if (!(norm(normal) > U_tolzer)) return fail(KW_EZEROVEC, name);
+    if (G_vecnip(&normal)) return 1;
+    *S = SKL.a[0][0];
+    *Su = du;
+    *Sv = dv;
+    *N = normal;
     return 0;
 }
