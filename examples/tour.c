@@ -1,5 +1,6 @@
 /* A short tour of Knotwork for host developers: plain C99 against the shared
    library. Run it as `tour OUTDIR`; files it writes go to OUTDIR. */
+#include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -56,6 +57,85 @@ static int16_t make_surface(Surface *sur, StorageStacks *stk) {
     return 0;
 }
 
+static double distance(Point A, Point B) {
+    return sqrt((A.x - B.x) * (A.x - B.x) + (A.y - B.y) * (A.y - B.y) + (A.z - B.z) * (A.z - B.z));
+}
+
+/* Evaluates the curve, inserts a knot, splits it, and checks that the
+   refined curve and the two pieces trace the original. */
+static void curve_tour(Curve *cur, StorageStacks *stk) {
+    Curve fine, left, right;
+    Point C, D[3];
+    double worst = 0.0;
+    int i;
+
+    printf("\n2. Evaluating a rational curve\n");
+    report("point and derivatives at u = 0.3", N_curder(cur, 0.3, KW_RIGHT, 2, D));
+    N_curevn(cur, 0.3, KW_RIGHT, &C);
+    printf("  C(0.3)   = (%.6f, %.6f, %.6f)\n", C.x, C.y, C.z);
+    printf("  C'(0.3)  = (%.6f, %.6f, %.6f)\n", D[1].x, D[1].y, D[1].z);
+    printf("  C''(0.3) = (%.6f, %.6f, %.6f)\n", D[2].x, D[2].y, D[2].z);
+
+    U_inicur(&fine);
+    U_inicur(&left);
+    U_inicur(&right);
+    report("insert u = 0.3 twice into a new curve", N_toocki(cur, 0.3, 2, &fine, stk, stk));
+    report("split the curve at u = 0.7", N_toocsp(cur, 0.7, &left, &right, stk));
+    printf("  %d control points -> %d after insertion; split into %d + %d\n", (int)cur->pol->n + 1,
+           (int)fine.pol->n + 1, (int)left.pol->n + 1, (int)right.pol->n + 1);
+    for (i = 0; i <= 1000; i++) {
+        double u = i / 1000.0;
+        Point A, B, S;
+        N_curevn(cur, u, KW_RIGHT, &A);
+        N_curevn(&fine, u, KW_RIGHT, &B);
+        N_curevn(u <= 0.7 ? &left : &right, u, KW_RIGHT, &S);
+        worst = fmax(worst, fmax(distance(A, B), distance(A, S)));
+    }
+    printf("  largest distance to the original over 1001 parameters: %.1e\n", worst);
+}
+
+/* A quarter cylinder of radius 2 and height 3: a rational quadratic arc in u
+   swept along z in v. Its unit normal is the radial direction. */
+static void surface_tour(StorageStacks *stk) {
+    const double arc[3][3] = {{2.0, 0.0, 1.0}, {2.0, 2.0, 0.7071067811865476}, {0.0, 2.0, 1.0}};
+    static double U[6] = {0.0, 0.0, 0.0, 1.0, 1.0, 1.0}, V[4] = {0.0, 0.0, 1.0, 1.0};
+    static ControlPoint net[3][2];
+    ControlPoint *rows[3];
+    Point d[2][2], *drows[2];
+    PointMatrix SKL;
+    Surface sur;
+    int i, j;
+
+    printf("\n3. A surface: points, first derivatives and normals\n");
+    for (i = 0; i < 3; i++) {
+        rows[i] = net[i];
+        for (j = 0; j < 2; j++) {
+            ControlPoint C;
+            A_initcp(arc[i][0], arc[i][1], 3.0 * j, arc[i][2], &C);
+            A_weight(C, &net[i][j]);
+        }
+    }
+    drows[0] = d[0];
+    drows[1] = d[1];
+    report("wrap a quarter cylinder around a 3 x 2 net", U_maksu2(&sur, rows, 2, 1, 2, 1, U, V, 5, 3, stk));
+    report("validate it", E_surinp(&sur, "TOUR"));
+    M_makpma(&SKL, 1, 1, drows, KW_FULL, 1); /* caller's storage for the partials to (1, 1) */
+    for (i = 0; i <= 2; i++) {
+        const double u = 0.5 * i, v = 0.25;
+        Point S, Su, Sv, N;
+        /* mode 1 with ku == kv == 1: S, S_u and S_v */
+        if (N_surevn(&sur, u, v, KW_RIGHT, KW_RIGHT, &S) ||
+            N_surder(&sur, u, v, KW_RIGHT, KW_RIGHT, 1, 1, 1, &SKL) ||
+            N_surnor(&sur, u, v, KW_RIGHT, KW_RIGHT, &S, &Su, &Sv, &N, stk))
+            report("evaluate the surface", 1);
+        printf("  S(%.2f, %.2f) = (%.4f, %.4f, %.4f), distance from the axis %.12f\n", u, v,
+               S.x + 0.0, S.y + 0.0, S.z + 0.0, sqrt(S.x * S.x + S.y * S.y));
+        printf("    S_u = (%.4f, %.4f, %.4f)  S_v = (%.4f, %.4f, %.4f)\n", d[1][0].x + 0.0,
+               d[1][0].y + 0.0, d[1][0].z + 0.0, d[0][1].x + 0.0, d[0][1].y + 0.0, d[0][1].z + 0.0);
+        printf("    unit normal = (%.4f, %.4f, %.4f)\n", N.x + 0.0, N.y + 0.0, N.z + 0.0);
+    }
+}
+
 int main(int argc, char **argv) {
     StorageStacks stk;
     Curve cur, copy, big;
@@ -90,7 +170,10 @@ int main(int argc, char **argv) {
         printf("  asking the compacted curve for 31 points: code %d in %s\n", (int)E_errtyp(),
                E_errnam());
 
-    printf("\n2. What the context holds\n");
+    curve_tour(&cur, &stk);
+    surface_tour(&stk);
+
+    printf("\n4. What the context holds\n");
     U_shwstk(&stk);
     U_kilcur(&big, &stk);
     U_kilsur(&surcopy, &stk);
@@ -98,7 +181,10 @@ int main(int argc, char **argv) {
     U_shwstk(&stk);
 
     N_enurbs(&stk);
-    printf("\nafter emptying the context:\n");
-    U_shwstk(&stk);
+    {
+        int list, left = 0;
+        for (list = 0; list < KW_STACK_LISTS; list++) left += stk.head[list] != NULL;
+        printf("\nafter N_enurbs, %d of the %d lists hold anything\n", left, KW_STACK_LISTS);
+    }
     return 0;
 }
