@@ -15,10 +15,14 @@ namespace kw {
 // (k <= KW_MAX_ORDER), the orders above p zero. Fixed local work tables.
 inline void basis_ders_to(const double *U, int32_t span, int p, double u, int k,
                           double (*ders)[kTable]) noexcept {
-    with_degree(p, [&](auto P) {
-        double ndu[kTable][kTable], a[2][kTable], left[kTable], right[kTable];
+    with_degree(p, [&](auto P) KW_INLINE {
+        constexpr int w = kWidth<decltype(P)>;
+        double ndu[w][w], left[w], right[w];
+        Inverses<decltype(P)> inverse;
+        inverse.fill(U, span, P);
         const int du = std::min(k, int(P));
-        basis_ders(U, span, P, u, du, ndu, left, right, a, ders);
+        basis_ders(U, span, P, u, du, inverse, [&ndu](int r, int j) -> double & { return ndu[r][j]; }, left,
+                   right, ders);
         for (int d = du + 1; d <= k; ++d) std::fill_n(ders[d], P + 1, 0.0);
     });
 }
