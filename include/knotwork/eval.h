@@ -104,6 +104,27 @@ KW_API int16_t N_surder(const Surface *sur, double u, double v, int16_t sideu, i
 KW_API int16_t N_surnor(const Surface *sur, double u, double v, int16_t sideu, int16_t sidev,
                         Point *S, Point *Su, Point *Sv, Point *N, StorageStacks *stk);
 
+/* ---- Surfaces at many parameter pairs -----------------------------------
+
+   For the pairs (u[i], v[i]), i = 0..n, these give bit for bit what
+   N_surevn and N_surder give at each pair, in less time: the span work of
+   each direction is kept while its parameters stay in one span, and its
+   basis functions while its parameter repeats, so that a grid taken row by
+   row (u constant along a row, v sorted) gains most. Checks and codes as
+   the curve forms (2, 3, 4 for the surface). */
+
+/* S[i] := S(u[i], v[i]). Allocates nothing. */
+KW_API int16_t N_surevm(const Surface *sur, int32_t n, const double *u, const double *v, int16_t sideu,
+                        int16_t sidev, Point *S);
+/* SKL[i (ku + 1)(kv + 1) + k (kv + 1) + l] := the partial derivative of
+   order k in u and l in v at (u[i], v[i]): for k + l <= ku when mode is 1
+   and ku == kv (the other entries untouched), else for the whole rectangle
+   0..ku by 0..kv, as N_surder; orders above KW_MAX_ORDER record 20. A
+   rational surface takes one work table for all the pairs from the general
+   heap (15 under "N_SURDRM"). */
+KW_API int16_t N_surdrm(const Surface *sur, int32_t n, const double *u, const double *v, int16_t sideu,
+                        int16_t sidev, int16_t mode, int16_t ku, int16_t kv, Point *SKL);
+
 KW_END_DECLS
 
 #endif

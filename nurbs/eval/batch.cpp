@@ -1,10 +1,12 @@
-// Curves evaluated at many parameters in one call: the steps of the
-// single-point evaluators, in the same order and so with the same results,
-// with the span's work (the search, the reciprocal knot differences, the
-// Cartesian control points) kept while the parameters stay in one span.
+// Curves and surfaces evaluated at many parameters in one call: the steps of
+// the single-point evaluators, in the same order and so with the same
+// results, with the span's work (the search, the reciprocal knot
+// differences, the Cartesian control points) kept while the parameters stay
+// in one span, and a surface direction's basis functions while its
+// parameter repeats.
 #include "core/arith.hpp"
 #include "knotwork/eval.h"
-#include "nurbs/eval/kernel.hpp"
+#include "nurbs/eval/surface.hpp"
 #include "nurbs/knots/routine.hpp"
 
 using namespace kw;
@@ -59,6 +61,69 @@ int16_t N_curdrm(const Curve *cur, int32_t n, const double *u, int16_t side, int
                 curve_ders(U, p, c, weighted, u[i], K, CK + int64_t(i) * (k + 1));
             }
         });
+    });
+    return 0;
+}
+
+int16_t N_surevm(const Surface *sur, int32_t n, const double *u, const double *v, int16_t sideu, int16_t sidev,
+                 Point *S) {
+    static char name[] = "N_SUREVM";
+    if (check_shape(sur, name) || check_many(sur->knu, n, u, sideu, S, name) ||
+        check_many(sur->knv, n, v, sidev, S, name))
+        return 1;
+    ControlPoint *const *Pw = sur->net->Pw;
+    with_degrees(sur->p, sur->q, [&](auto p, auto q) KW_INLINE {
+        Direction<decltype(p)> a;
+        Direction<decltype(q)> b;
+        for (int32_t i = 0; i <= n; ++i) {
+            a.basis(sur->knu, p, u[i], sideu);
+            b.basis(sur->knv, q, v[i], sidev);
+            S[i] = euclid(tensor_point(a.N, p, b.N, q, Pw + a.span - p, b.span - q));
+        }
+    });
+    return 0;
+}
+
+int16_t N_surdrm(const Surface *sur, int32_t n, const double *u, const double *v, int16_t sideu, int16_t sidev,
+                 int16_t mode, int16_t ku, int16_t kv, Point *SKL) {
+    static char name[] = "N_SURDRM";
+    if (check_shape(sur, name)) return 1;
+    if (ku < 0 || ku > KW_MAX_ORDER || kv < 0 || kv > KW_MAX_ORDER) return fail(KW_EORDER, name);
+    if (check_many(sur->knu, n, u, sideu, SKL, name) || check_many(sur->knv, n, v, sidev, SKL, name)) return 1;
+    ControlPoint *const *Pw = sur->net->Pw;
+    const bool weighted = rational(Pw[0][0]), triangle = mode == 1 && ku == kv;
+    // The rational basis functions are made in a table, as N_surder makes
+    // them; a polynomial surface's products are taken as the sums need them.
+    DerivativeTable table(weighted ? ku : -1, kv, sur->p, sur->q);
+    double ****D = table.get();
+    if (weighted && !D) return fail(KW_ENOMEM, name);
+    const int top = triangle ? ku : ku + kv;
+    const int64_t block = (ku + 1) * (kv + 1);
+    with_degrees(sur->p, sur->q, [&](auto p, auto q) {
+        Direction<decltype(p)> a;
+        Direction<decltype(q)> b;
+        Point E[kWidth<decltype(p)>][kWidth<decltype(q)>] = {};  // filled at the first pair
+        int32_t su = -1, sv = -1;
+        for (int32_t i = 0; i <= n; ++i) {
+            a.derivatives(sur->knu, p, u[i], sideu, ku);
+            b.derivatives(sur->knv, q, v[i], sidev, kv);
+            if (a.span != su || b.span != sv) {
+                su = a.span;
+                sv = b.span;
+                cartesian_block(Pw, su, sv, p, q, E);
+            }
+            Point *at = SKL + i * block;
+            auto out = [&](int k, int l) -> Point & { return at[k * (kv + 1) + l]; };
+            if (!weighted) {
+                product_partials(a.ders, p, b.ders, q, E, ku, kv, triangle, out);
+                continue;
+            }
+            product_ders(a.ders, p, b.ders, q, ku, kv, top, D);
+            ControlPoint *const *P = Pw + su - p;
+            const int32_t j0 = sv - q;
+            rational_surface_ders(D, [=](int r, int c) { return P[r][j0 + c].w; }, ku, kv, top, p, q);
+            partials(D, E, p, q, ku, kv, triangle, out);
+        }
     });
     return 0;
 }

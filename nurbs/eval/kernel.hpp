@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #include "core/arith.hpp"
 #include "nurbs/knots/basis.hpp"
@@ -20,23 +21,74 @@ KW_HOT T accumulate(const double *c, const T *E, Last last) noexcept {
     return sum;
 }
 
-// sum N[j] P[j], j = 0..last, over homogeneous control points: a planar z in
-// any term makes the sum's z the planar marker, a non-rational w its w the
+// The same over Points, x and y two at a time (the same sums).
+template <class Last>
+KW_HOT Point accumulate(const double *c, const Point *E, Last last) noexcept {
+    using Pair = double __attribute__((vector_size(16)));
+    Pair xy = {0.0, 0.0};
+    double z = 0.0;
+    upto(Degree<0>{}, last, [&](auto j) KW_INLINE {
+        Pair a;
+        std::memcpy(&a, &E[j].x, sizeof a);
+        xy += c[j] * a;
+        z += c[j] * E[j].z;
+    });
+    return Point{xy[0], xy[1], z};
+}
+
+// A sum of multiples of homogeneous control points: a planar z in any term
+// makes the sum's z the planar marker, a non-rational w its w the
 // non-rational marker. Every coordinate is summed alike, without a branch,
-// and a marked sum replaced at the end.
+// two at a time, the markers met are noted two at a time too, and a marked
+// sum is replaced once, at the end; sums of sums (the rows of a surface's
+// block) carry their marks along.
+class MarkedSum {
+    using Pair = double __attribute__((vector_size(16)));
+    using Marks = int64_t __attribute__((vector_size(16)));
+    Pair xy_ = {0.0, 0.0}, zw_ = {0.0, 0.0};
+    Marks marked_ = {0, 0};
+
+public:
+    KW_HOT void add(double N, const ControlPoint &P) noexcept {
+        const Pair markers = {kPlanar, kNonRational};
+        Pair a, b;
+        std::memcpy(&a, &P.x, sizeof a);
+        std::memcpy(&b, &P.z, sizeof b);
+        xy_ += N * a;
+        zw_ += N * b;
+        marked_ |= b == markers;
+    }
+    KW_HOT void add(double N, const MarkedSum &S) noexcept {
+        xy_ += N * S.xy_;
+        zw_ += N * S.zw_;
+        marked_ |= S.marked_;
+    }
+    KW_HOT ControlPoint value() const noexcept {
+        return ControlPoint{xy_[0], xy_[1], marked_[0] ? kPlanar : zw_[0], marked_[1] ? kNonRational : zw_[1]};
+    }
+};
+
+// sum N[j] P[j], j = 0..last, over homogeneous control points.
 template <class Last>
 KW_HOT ControlPoint accumulate(const double *N, const ControlPoint *P, Last last) noexcept {
-    double x = 0.0, y = 0.0, z = 0.0, w = 0.0;
-    bool flat = false, plain = false;
-    upto(Degree<0>{}, last, [&](auto j) KW_INLINE {
-        x += N[j] * P[j].x;
-        y += N[j] * P[j].y;
-        z += N[j] * P[j].z;
-        w += N[j] * P[j].w;
-        flat |= planar(P[j].z);
-        plain |= nonrational(P[j].w);
+    MarkedSum sum;
+    upto(Degree<0>{}, last, [&](auto j) KW_INLINE { sum.add(N[j], P[j]); });
+    return sum.value();
+}
+
+// sum over i, j of Nu[i] Nv[j] P[i][j], the active block P[0..p][0..q]
+// given by its rows and the column of its first point: each row summed
+// along v, then the rows along u.
+template <class DegU, class DegV>
+KW_HOT ControlPoint tensor_point(const double *Nu, DegU p, const double *Nv, DegV q, ControlPoint *const *P,
+                                 int32_t column) noexcept {
+    MarkedSum sum;
+    upto(Degree<0>{}, p, [&](auto i) KW_INLINE {
+        MarkedSum row;
+        upto(Degree<0>{}, q, [&](auto j) KW_INLINE { row.add(Nv[j], P[i][column + j]); });
+        sum.add(Nu[i], row);
     });
-    return ControlPoint{x, y, flat ? kPlanar : z, plain ? kNonRational : w};
+    return sum.value();
 }
 
 // The weights of control points, read in place.

@@ -1,8 +1,5 @@
 // Points, partial derivatives and normals of surfaces: the curve machinery
 // in both directions of the control net.
-#include <cstddef>
-
-#include "core/alloc.hpp"
 #include "core/arith.hpp"
 #include "geom/geom.hpp"
 #include "knotwork/errors.h"
@@ -10,7 +7,7 @@
 #include "knotwork/knots.h"
 #include "knotwork/numeric.h"
 #include "knotwork/storage.h"
-#include "nurbs/eval/kernel.hpp"
+#include "nurbs/eval/surface.hpp"
 #include "nurbs/knots/routine.hpp"
 
 using namespace kw;
@@ -18,7 +15,7 @@ using namespace kw;
 namespace {
 
 // The surface agrees with itself and (u, v) lies in its knot ranges.
-int16_t check_eval(const Surface *sur, double u, double v, char *name) noexcept {
+KW_HOT int16_t check_eval(const Surface *sur, double u, double v, char *name) noexcept {
     return check_shape(sur, name) || check_param(sur->knu, u, name) || check_param(sur->knv, v, name);
 }
 
@@ -30,61 +27,18 @@ int16_t check_sides(const Surface *sur, double u, double v, int16_t sideu, int16
     return 0;
 }
 
-// The non-zero basis functions N[0..p] of one direction and their span.
-int32_t basis_of(const KnotVector *knt, int p, double u, int16_t side, double *N) noexcept {
-    return with_degree(p, [&](auto P) { return nonzero_basis(knt->U, knt->m, P, u, side, N); });
-}
-
-// The homogeneous point: each row of the active block summed along v, then
-// the rows along u, the markers carried through both sums.
-ControlPoint surface_point(const Surface *sur, double u, double v, int16_t sideu,
-                           int16_t sidev) noexcept {
-    const int p = sur->p;
-    double Nu[kTable], Nv[kTable];
-    const int32_t su = basis_of(sur->knu, p, u, sideu, Nu);
-    const int32_t sv = basis_of(sur->knv, sur->q, v, sidev, Nv);
-    ControlPoint *const *Pw = sur->net->Pw + su - p;
-    ControlPoint rows[kTable];
-    with_degree(sur->q, [&](auto Q) {
-        for (int i = 0; i <= p; ++i) rows[i] = accumulate(Nv, Pw[i] + sv - Q, Q);
+// The homogeneous point: the basis functions of both directions, then the
+// tensor sum.
+KW_HOT ControlPoint surface_point(const Surface *sur, double u, double v, int16_t sideu,
+                                  int16_t sidev) noexcept {
+    const KnotVector *knu = sur->knu, *knv = sur->knv;
+    return with_degrees(sur->p, sur->q, [&](auto p, auto q) KW_INLINE {
+        double Nu[kWidth<decltype(p)>], Nv[kWidth<decltype(q)>];
+        const int32_t su = nonzero_basis(knu->U, knu->m, p, u, sideu, Nu);
+        const int32_t sv = nonzero_basis(knv->U, knv->m, q, v, sidev, Nv);
+        return tensor_point(Nu, p, Nv, q, sur->net->Pw + su - p, sv - q);
     });
-    return accumulate(Nu, rows, p);
 }
-
-// The table D[k][l][i][j], k = 0..ku, l = 0..kv, i = 0..p, j = 0..q, on the
-// general heap: pointers over the orders in u, over the orders in v and
-// over the functions in u, then the values. Released with the object.
-class DerivativeTable {
-public:
-    DerivativeTable(int ku, int kv, int p, int q) noexcept {
-        const std::size_t nk = ku + 1, nl = nk * (kv + 1), ni = nl * (p + 1);
-        top_ = static_cast<double ****>(allocate(nk * sizeof(double ***)));
-        planes_ = top_ ? static_cast<double ***>(allocate(nl * sizeof(double **))) : nullptr;
-        rows_ = planes_ ? static_cast<double **>(allocate(ni * sizeof(double *))) : nullptr;
-        values_ = rows_ ? static_cast<double *>(allocate(ni * (q + 1) * sizeof(double))) : nullptr;
-        if (!values_) return;
-        for (std::size_t k = 0; k < nk; ++k) top_[k] = planes_ + k * (kv + 1);
-        for (std::size_t l = 0; l < nl; ++l) planes_[l] = rows_ + l * (p + 1);
-        for (std::size_t i = 0; i < ni; ++i) rows_[i] = values_ + i * (q + 1);
-    }
-    ~DerivativeTable() {
-        release(values_);
-        release(rows_);
-        release(planes_);
-        release(top_);
-    }
-    DerivativeTable(const DerivativeTable &) = delete;
-    DerivativeTable &operator=(const DerivativeTable &) = delete;
-
-    // The table, or null when an allocation failed.
-    double ****get() const noexcept { return values_ ? top_ : nullptr; }
-
-private:
-    double ****top_ = nullptr;
-    double ***planes_ = nullptr;
-    double **rows_ = nullptr;
-    double *values_ = nullptr;
-};
 
 }  // namespace
 
@@ -120,20 +74,16 @@ int16_t N_surder(const Surface *sur, double u, double v, int16_t sideu, int16_t 
                                : N_kntabd(sur->knu, sur->knv, p, q, u, v, sideu, sidev, ku, kv, D, &su, &sv);
     if (status) return 1;
 
-    // 3. The Cartesian control points of the active block.
-    Point P[kTable][kTable];
-    for (int i = 0; i <= p; ++i)
-        for (int j = 0; j <= q; ++j) P[i][j] = euclid(Pw[su - p + i][sv - q + j]);
-
-    // 4. SKL[k][l] = sum D[k][l][i][j] P[i][j], over the triangle k + l <= ku
-    // or the rectangle.
-    const bool triangle = mode == 1 && ku == kv;
-    for (int k = 0; k <= ku; ++k)
-        for (int l = 0; l <= kv && !(triangle && k + l > ku); ++l) {
-            Point sum{};
-            for (int i = 0; i <= p; ++i) sum = sum + accumulate(D[k][l][i], P[i], q);
-            SKL->a[k][l] = sum;
-        }
+    // A body of its own for each pair of degrees, not inlined: small enough
+    // for the compiler to inline what it calls.
+    with_degrees(p, q, [&](auto P, auto Q) {
+        // 3. The Cartesian control points of the active block.
+        Point E[kWidth<decltype(P)>][kWidth<decltype(Q)>];
+        cartesian_block(Pw, su, sv, P, Q, E);
+        // 4. SKL[k][l] = sum D[k][l][i][j] E[i][j], over the triangle
+        // k + l <= ku or the rectangle.
+        partials(D, E, P, Q, ku, kv, mode == 1 && ku == kv, [&](int k, int l) -> Point & { return SKL->a[k][l]; });
+    });
     return 0;
 }
 

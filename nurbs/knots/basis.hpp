@@ -109,6 +109,15 @@ KW_HOT decltype(auto) with_degree(int p, F &&f) {
     }
 }
 
+// f(p, q) with both degrees fixed at compile time where they are equal and
+// common (bicubic patches and their like); other pairs take the general
+// body, which keeps them as ints.
+template <class F>
+KW_HOT decltype(auto) with_degrees(int p, int q, F &&f) {
+    if (p != q) return f(p, q);
+    return with_degree(p, [&](auto P) KW_INLINE { return f(P, P); });
+}
+
 // Whether u lies in the knot interval [U[a], U[b]) from the right (side 1)
 // or (U[a], U[b]] from the left (any other side).
 inline bool in_interval(const double *U, int32_t a, int32_t b, double u, int16_t side) noexcept {
@@ -177,8 +186,8 @@ KW_HOT int32_t search_span(const double *U, int32_t m, int p, double key) noexce
     const int32_t len = m - 2 * p;
     if (U[p + len] <= key) return p + len - 1;
     if (!(U[p] <= key)) return p;
-    const int64_t k = ordered(key + 0.0);
-    return U[p] >= 0.0 ? bisect<false>(U, p, len, k) : bisect<true>(U, p, len, k);
+    if (U[p] >= 0.0) return bisect<false>(U, p, len, std::bit_cast<int64_t>(key + 0.0));
+    return bisect<true>(U, p, len, ordered(key + 0.0));
 }
 
 // The span i of u from a side (see span_key and search_span).

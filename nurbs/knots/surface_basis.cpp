@@ -23,7 +23,7 @@ int16_t product_table(const KnotVector *knu, const KnotVector *knv, int16_t p, i
     double Nu[kOrders][kTable], Nv[kOrders][kTable];
     basis_ders_to(knu->U, a, p, u, ku, Nu);
     basis_ders_to(knv->U, b, q, v, kv, Nv);
-    product_ders(Nu, p, Nv, q, ku, kv, D);
+    with_degrees(p, q, [&](auto P, auto Q) KW_INLINE { product_ders(Nu, P, Nv, Q, ku, kv, ku + kv, D); });
     *su = a;
     *sv = b;
     return 0;
@@ -49,6 +49,7 @@ int16_t N_kntasd(const Surface *sur, double u, double v, int16_t sideu, int16_t 
     ControlPoint *const *Pw = sur->net->Pw;
     if (!rational(Pw[0][0])) return 0;
     const int32_t i0 = *su - p, j0 = *sv - q;
-    rational_surface_ders(D, [=](int i, int j) { return Pw[i0 + i][j0 + j].w; }, ku, kv, p, q);
+    auto w = [=](int i, int j) { return Pw[i0 + i][j0 + j].w; };
+    with_degrees(p, q, [&](auto P, auto Q) KW_INLINE { rational_surface_ders(D, w, ku, kv, ku + kv, P, Q); });
     return 0;
 }
