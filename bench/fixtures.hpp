@@ -62,6 +62,22 @@ inline Curve make_curve(bool rational) {
     return cur;
 }
 
+// The bicubic surface on a 20 x 20 net.
+inline Surface make_surface(bool rational) {
+    static char name[] = "BENCH";
+    Rng rng{std::mt19937_64(rational ? 11 : 13)};
+    constexpr int p = 3, n = 19;
+    const std::vector<double> U = knots(p, n, rng), V = knots(p, n, rng);
+    Surface sur;
+    U_inisur(&sur);
+    U_surchk(&sur, n, n, p, p, n + p + 1, n + p + 1, name, stacks());
+    std::copy(U.begin(), U.end(), sur.knu->U);
+    std::copy(V.begin(), V.end(), sur.knv->U);
+    for (int i = 0; i <= n; ++i)
+        for (int j = 0; j <= n; ++j) sur.net->Pw[i][j] = control_point(rng, rational);
+    return sur;
+}
+
 // count parameters in [a, b], uniformly at random or the same sorted.
 inline std::vector<double> parameters(size_t count, double a, double b, bool sorted, uint64_t seed = 3) {
     Rng rng{std::mt19937_64(seed)};
@@ -69,6 +85,15 @@ inline std::vector<double> parameters(size_t count, double a, double b, bool sor
     for (double &x : u) x = rng.uniform(a, b);
     if (sorted) std::sort(u.begin(), u.end());
     return u;
+}
+
+// A grid of side x side parameter pairs over [0, 1]^2, rows of constant u,
+// as flat u and v arrays.
+inline void grid(int side, std::vector<double> &u, std::vector<double> &v) {
+    u.clear();
+    v.clear();
+    for (int i = 0; i < side; ++i)
+        for (int j = 0; j < side; ++j) u.push_back(i / (side - 1.0)), v.push_back(j / (side - 1.0));
 }
 
 // Registers group/impl; body(state) runs one pass and returns how many

@@ -155,4 +155,78 @@ inline void curve_ders(const double *U, int n, const ControlPoint *Pw, double u,
     });
 }
 
+// The point of a surface: the rows of the active block summed along v, then
+// along u.
+template <int P, bool Rational>
+inline Point surface_point(const double *U, int n, const double *V, int m, ControlPoint *const *Pw, double u,
+                           double v) {
+    const int su = span<P>(U, n, u), sv = span<P>(V, m, v);
+    const Triangle<P> tu(U, su, u), tv(V, sv, v);
+    double x = 0.0, y = 0.0, z = 0.0, w = 0.0;
+    upto(Degree<0>{}, Degree<P>{}, [&](auto i) KW_INLINE {
+        const ControlPoint *row = Pw[su - P + i] + sv - P;
+        double rx = 0.0, ry = 0.0, rz = 0.0, rw = 0.0;
+        upto(Degree<0>{}, Degree<P>{}, [&](auto j) KW_INLINE {
+            const double N = tv.B[P][j];
+            rx += N * row[j].x;
+            ry += N * row[j].y;
+            rz += N * row[j].z;
+            if (Rational) rw += N * row[j].w;
+        });
+        const double N = tu.B[P][i];
+        x += N * rx;
+        y += N * ry;
+        z += N * rz;
+        if (Rational) w += N * rw;
+    });
+    if (!Rational) return Point{x, y, z};
+    return Point{x / w, y / w, z / w};
+}
+
+// S, Su, Sv: products of the two directions' basis derivatives, made
+// rational for a rational surface, applied to the Cartesian control points.
+template <int P, bool Rational>
+inline void surface_ders(const double *U, int n, const double *V, int m, ControlPoint *const *Pw, double u,
+                         double v, Point *S) {
+    const int su = span<P>(U, n, u), sv = span<P>(V, m, v);
+    double Du[2][P + 1], Dv[2][P + 1];
+    Triangle<P>(U, su, u).template derivatives<1>(Du);
+    Triangle<P>(V, sv, v).template derivatives<1>(Dv);
+    constexpr int kl[3][2] = {{0, 0}, {1, 0}, {0, 1}};
+    double R[3][P + 1][P + 1], W[3] = {};
+    Point E[P + 1][P + 1];
+    upto(Degree<0>{}, Degree<P>{}, [&](auto i) KW_INLINE {
+        upto(Degree<0>{}, Degree<P>{}, [&](auto j) KW_INLINE {
+            const ControlPoint &Q = Pw[su - P + i][sv - P + j];
+            const double w = Rational ? Q.w : 1.0;
+            E[i][j] = Rational ? Point{Q.x / w, Q.y / w, Q.z / w} : Point{Q.x, Q.y, Q.z};
+            upto(Degree<0>{}, Degree<2>{}, [&](auto d) KW_INLINE {
+                R[d][i][j] = w * Du[kl[d][0]][i] * Dv[kl[d][1]][j];
+                W[d] += R[d][i][j];
+            });
+        });
+    });
+    if (Rational) {
+        const double inv = 1.0 / W[0];
+        upto(Degree<0>{}, Degree<P>{}, [&](auto i) KW_INLINE {
+            upto(Degree<0>{}, Degree<P>{}, [&](auto j) KW_INLINE {
+                R[0][i][j] *= inv;
+                R[1][i][j] = (R[1][i][j] - W[1] * R[0][i][j]) * inv;
+                R[2][i][j] = (R[2][i][j] - W[2] * R[0][i][j]) * inv;
+            });
+        });
+    }
+    upto(Degree<0>{}, Degree<2>{}, [&](auto d) KW_INLINE {
+        Point C{0.0, 0.0, 0.0};
+        upto(Degree<0>{}, Degree<P>{}, [&](auto i) KW_INLINE {
+            upto(Degree<0>{}, Degree<P>{}, [&](auto j) KW_INLINE {
+                C.x += R[d][i][j] * E[i][j].x;
+                C.y += R[d][i][j] * E[i][j].y;
+                C.z += R[d][i][j] * E[i][j].z;
+            });
+        });
+        S[d] = C;
+    });
+}
+
 }  // namespace kernel
