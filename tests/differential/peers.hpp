@@ -93,11 +93,12 @@ inline Handle(Geom_BSplineSurface) occt_surface(const Surface &s) {
 }
 
 // The coordinates SISL keeps of a control point: x, y (z) unweighted for a
-// polynomial object, wx, wy (wz), w for a rational one.
+// polynomial object, wx, wy (wz), w for a rational one; a planar point in 3
+// dimensions has z = 0.
 inline void sisl_coefs(const ControlPoint &P, int dim, std::vector<double> &out) {
     out.push_back(P.x);
     out.push_back(P.y);
-    if (dim == 3) out.push_back(P.z);
+    if (dim == 3) out.push_back(planar(P) ? 0.0 : P.z);
     if (rational(P)) out.push_back(P.w);
 }
 

@@ -84,6 +84,20 @@ inline Curve random_curve(Rng &rng, int p, bool rational, bool planar, Context &
     return cur;
 }
 
+inline Surface random_surface(Rng &rng, int p, int q, bool rational, bool planar, Context &ctx) {
+    static char name[] = "TEST";
+    const int n = p + rng.integer(0, 6), m = q + rng.integer(0, 6);
+    const std::vector<double> U = random_knots(rng, p, n), V = random_knots(rng, q, m);
+    Surface s;
+    U_inisur(&s);
+    EXPECT_EQ(U_surchk(&s, n, m, int16_t(p), int16_t(q), n + p + 1, m + q + 1, name, ctx.get()), 0);
+    std::copy(U.begin(), U.end(), s.knu->U);
+    std::copy(V.begin(), V.end(), s.knv->U);
+    for (int i = 0; i <= n; ++i)
+        for (int j = 0; j <= m; ++j) s.net->Pw[i][j] = random_point(rng, rational, planar);
+    return s;
+}
+
 // Parameters: the knots, random ones and the domain's ends.
 inline std::vector<double> parameters(const KnotVector &k, Rng &rng, int count) {
     std::vector<double> u(k.U, k.U + k.m + 1);
