@@ -14,17 +14,18 @@ using namespace kw;
 namespace {
 
 // The polygon Pw[0..n] of degree p with u inserted r times into the knots U,
-// u in span k with multiplicity s (r <= p - s): put(g, Q) receives control
-// point g of the new polygon. Rw is a work array of p + 1 control points.
-// Points that do not move are copied first; each round replaces p - j - s + 1
-// of the affected points by homogeneous combinations, leaving one new point
-// at either end of the affected range.
+// u in span k with multiplicity s (r <= p - s): put(g, P, count) receives
+// control points g..g + count - 1 of the new polygon. Rw is a work array of
+// p + 1 control points. Points that do not move are copied first, in two
+// runs; each round replaces p - j - s + 1 of the affected points by
+// homogeneous combinations, leaving one new point at either end of the
+// affected range.
 template <class Put>
 void insert_rounds(const ControlPoint *Pw, int32_t n, int p, const double *U, double u, int32_t k,
                    int32_t s, int32_t r, ControlPoint *Rw, Put put) noexcept {
-    for (int32_t i = 0; i <= p - s; ++i) Rw[i] = Pw[k - p + i];
-    for (int32_t i = 0; i <= k - p; ++i) put(i, Pw[i]);
-    for (int32_t i = k - s; i <= n; ++i) put(i + r, Pw[i]);
+    std::copy_n(Pw + k - p, p - s + 1, Rw);
+    put(0, Pw, k - p + 1);
+    put(k - s + r, Pw + k - s, n - k + s + 1);
     int32_t L = k - p;
     for (int32_t j = 1; j <= r; ++j) {
         L = k - p + j;
@@ -32,10 +33,10 @@ void insert_rounds(const ControlPoint *Pw, int32_t n, int p, const double *U, do
             const double alpha = (u - U[L + i]) / (U[i + k + 1] - U[L + i]);
             Rw[i] = combine<2>({alpha, 1.0 - alpha}, {Rw[i + 1], Rw[i]});
         }
-        put(L, Rw[0]);
-        put(k + r - j - s, Rw[p - j - s]);
+        put(L, Rw, 1);
+        put(k + r - j - s, Rw + p - j - s, 1);
     }
-    for (int32_t i = L + 1; i <= k - s - 1; ++i) put(i, Rw[i - L]);
+    if (L + 1 <= k - s - 1) put(L + 1, Rw + 1, k - s - 1 - L);
 }
 
 // A curve broken into its parts, with the span k of u and its multiplicity
@@ -77,7 +78,8 @@ int16_t N_toocki(Curve *cur, double u, int32_t r, Curve *out, StorageStacks *stk
         return 1;
 
     ControlPoint *Qw = out->pol->Pw;
-    insert_rounds(Pw, n, p, U, u, k, s, r, Rw, [Qw](int32_t g, const ControlPoint &Q) { Qw[g] = Q; });
+    insert_rounds(Pw, n, p, U, u, k, s, r, Rw,
+                  [Qw](int32_t g, const ControlPoint *P, int32_t count) { std::copy_n(P, count, Qw + g); });
     double *UQ = out->knt->U;
     std::copy_n(U, k + 1, UQ);
     std::fill_n(UQ + k + 1, r, u);
@@ -105,9 +107,13 @@ int16_t N_toocsp(const Curve *cur, double u, Curve *left, Curve *right, StorageS
         return 1;
 
     ControlPoint *Lw = left->pol->Pw, *Rq = right->pol->Pw;
-    insert_rounds(Pw, n, p, U, u, k, s, p - s, Rw, [=](int32_t g, const ControlPoint &Q) {
-        if (g <= cut) Lw[g] = Q;
-        if (g >= cut) Rq[g - cut] = Q;
+    // The point at the cut goes to both pieces.
+    insert_rounds(Pw, n, p, U, u, k, s, p - s, Rw, [=](int32_t g, const ControlPoint *P, int32_t count) {
+        if (g <= cut) std::copy_n(P, std::min(count, cut - g + 1), Lw + g);
+        if (g + count - 1 >= cut) {
+            const int32_t from = std::max(g, cut);
+            std::copy_n(P + from - g, g + count - from, Rq + from - cut);
+        }
     });
     double *UL = left->knt->U, *UR = right->knt->U;
     std::copy_n(U, cut + 1, UL);
