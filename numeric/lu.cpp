@@ -13,8 +13,10 @@ namespace {
 
 // Doolittle in place: the unit lower factor below the diagonal, the upper
 // factor on and above it. Each sum runs over the p where both factors have
-// stored entries. The pivot test stands where a division follows, so the
-// last diagonal entry is left to the substitution's guard.
+// stored entries. The pivot test stands where a division follows, once for
+// the column below it, whose entries are all multiplied by the pivot's
+// reciprocal; so the last diagonal entry is left to the substitution's
+// guard.
 template <class Rows>
 int16_t doolittle(Rows a, int32_t n, int32_t below, int32_t above, char *name) noexcept {
     for (int32_t k = 0; k <= n; ++k) {
@@ -23,11 +25,14 @@ int16_t doolittle(Rows a, int32_t n, int32_t below, int32_t above, char *name) n
             for (int32_t p = std::max({j - above, k - below, 0}); p < k; ++p) sum -= a(k, p) * a(p, j);
             a(k, j) = sum;
         }
-        for (int32_t i = k + 1; i <= std::min(k + below, n); ++i) {
-            if (std::fabs(a(k, k)) < M_tolpiv) return fail(KW_ESINGULAR, name);
+        const int32_t deepest = std::min(k + below, n);
+        if (deepest == k) continue;
+        if (std::fabs(a(k, k)) < M_tolpiv) return fail(KW_ESINGULAR, name);
+        const double inverse = 1.0 / a(k, k);
+        for (int32_t i = k + 1; i <= deepest; ++i) {
             double sum = a(i, k);
             for (int32_t p = std::max({i - below, k - above, 0}); p < k; ++p) sum -= a(i, p) * a(p, k);
-            a(i, k) = sum / a(k, k);
+            a(i, k) = sum * inverse;
         }
     }
     return 0;

@@ -27,8 +27,14 @@ auto with_rows(const RealMatrix &A, F f) {
     return f(FullRows{A.a}, A.n, A.n);
 }
 
+// v times s, the markers of a ControlPoint kept.
+constexpr double times(double v, double s) noexcept { return v * s; }
+constexpr Point times(const Point &v, double s) noexcept { return s * v; }
+constexpr ControlPoint times(const ControlPoint &v, double s) noexcept { return scale(s, v); }
+
 // Forward pass y := L^-1 b with the unit lower factor, then back pass
-// x := U^-1 y, over the stored part of each row. y may be x, and either b.
+// x := U^-1 y, over the stored part of each row, each row's division one
+// reciprocal of its diagonal entry. y may be x, and either b.
 template <class T, class Rows>
 void substitute(Rows a, int32_t n, int32_t below, int32_t above, const T *b, T *y, T *x) noexcept {
     for (int32_t i = 0; i <= n; ++i) {
@@ -41,7 +47,7 @@ void substitute(Rows a, int32_t n, int32_t below, int32_t above, const T *b, T *
         Combination<T> s;
         s.add(1.0, y[i]);
         for (int32_t p = i + 1; p <= std::min(i + above, n); ++p) s.add(-a(i, p), x[p]);
-        x[i] = divided(s.value(), a(i, i));
+        x[i] = times(s.value(), 1.0 / a(i, i));
     }
 }
 
