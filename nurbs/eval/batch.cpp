@@ -54,10 +54,10 @@ int16_t N_curdrm(const Curve *cur, int32_t n, const double *u, int16_t side, int
     const bool weighted = rational(Pw[0]);
     with_degree(cur->p, [&](auto p) KW_INLINE {
         CurveSpan<decltype(p)> c;
-        c.enter(U, p, Pw, search_span(U, m, p, span_key(u[0], side)));
+        c.enter(U, p, Pw, search_span(U, m, p, span_key(u[0], side)), weighted);
         with_order(k, [&](auto K) KW_INLINE {
             for (int32_t i = 0; i <= n; ++i) {
-                c.locate(U, m, p, Pw, span_key(u[i], side));
+                c.locate(U, m, p, Pw, span_key(u[i], side), weighted);
                 curve_ders(U, p, c, weighted, u[i], K, CK + int64_t(i) * (k + 1));
             }
         });
@@ -110,7 +110,7 @@ int16_t N_surdrm(const Surface *sur, int32_t n, const double *u, const double *v
             if (a.span != su || b.span != sv) {
                 su = a.span;
                 sv = b.span;
-                cartesian_block(Pw, su, sv, p, q, E);
+                cartesian_block(Pw, su, sv, p, q, weighted, E);
             }
             Point *at = SKL + i * block;
             auto out = [&](int k, int l) -> Point & { return at[k * (kv + 1) + l]; };

@@ -109,6 +109,27 @@ KW_HOT C spline_point(const double *U, int32_t m, int p, const C *c, double u,
     });
 }
 
+// E[j] := euclid(P[j]), j = 0..last, for weighted control points: the same
+// quotients, two to a division (x and y of one point, then z of two),
+// which the machine does in one instruction; a missing weight divides by 1,
+// exactly.
+template <class Last>
+KW_HOT void euclid_weighted(const ControlPoint *P, Last last, Point *E) noexcept {
+    using Pair = double __attribute__((vector_size(16)));
+    auto weight = [&](int j) { return j > last || nonrational(P[j].w) ? 1.0 : P[j].w; };
+    auto z = [&](int j) { return j > last || planar(P[j].z) ? 0.0 : P[j].z; };
+    upto(Degree<0>{}, last, [&](auto j) KW_INLINE {
+        const Pair xy = Pair{P[j].x, P[j].y} / weight(j);
+        E[j].x = xy[0];
+        E[j].y = xy[1];
+    });
+    upto(Degree<0>{}, constant_if<[](int l) { return l / 2; }>(last), [&](auto h) KW_INLINE {
+        const Pair zz = Pair{z(2 * h), z(2 * h + 1)} / Pair{weight(2 * h), weight(2 * h + 1)};
+        E[2 * h].z = zz[0];
+        if (2 * h + 1 <= last) E[2 * h + 1].z = zz[1];
+    });
+}
+
 // What the derivatives at u take from u's span alone: the span's reciprocal
 // knot differences and its control points P[0..p] in Cartesian form E.
 // N_curder fills it for its one parameter; the batch evaluator keeps it while
@@ -120,16 +141,18 @@ struct CurveSpan {
     Inverses<Deg> inverse;
     Point E[kWidth<Deg>];
 
-    KW_HOT void enter(const double *U, Deg p, const ControlPoint *Pw, int32_t s) noexcept {
+    KW_HOT void enter(const double *U, Deg p, const ControlPoint *Pw, int32_t s, bool weighted) noexcept {
         span = s;
         P = Pw + s - p;
         inverse.fill(U, s, p);
-        upto(Degree<0>{}, p, [&](auto j) KW_INLINE { E[j] = euclid(P[j]); });
+        if (weighted) euclid_weighted(P, p, E);
+        else upto(Degree<0>{}, p, [&](auto j) KW_INLINE { E[j] = euclid(P[j]); });
     }
     // Enters the span of key unless it is this one.
-    KW_HOT void locate(const double *U, int32_t m, Deg p, const ControlPoint *Pw, double key) noexcept {
+    KW_HOT void locate(const double *U, int32_t m, Deg p, const ControlPoint *Pw, double key,
+                       bool weighted) noexcept {
         const int32_t s = next_span(U, m, p, key, span);
-        if (s != span) enter(U, p, Pw, s);
+        if (s != span) enter(U, p, Pw, s, weighted);
     }
 };
 
@@ -156,7 +179,7 @@ inline void curve_ders(const double *U, int p, const ControlPoint *Pw, int32_t s
     with_degree(p, [&](auto P) KW_INLINE {
         const bool weighted = rational(Pw[0]);
         CurveSpan<decltype(P)> c;
-        c.enter(U, P, Pw, span);
+        c.enter(U, P, Pw, span, weighted);
         with_order(k, [&](auto K) KW_INLINE { curve_ders(U, P, c, weighted, u, K, CK); });
     });
 }

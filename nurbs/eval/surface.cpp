@@ -79,7 +79,7 @@ int16_t N_surder(const Surface *sur, double u, double v, int16_t sideu, int16_t 
     with_degrees(p, q, [&](auto P, auto Q) {
         // 3. The Cartesian control points of the active block.
         Point E[kWidth<decltype(P)>][kWidth<decltype(Q)>];
-        cartesian_block(Pw, su, sv, P, Q, E);
+        cartesian_block(Pw, su, sv, P, Q, rational(Pw[0][0]), E);
         // 4. SKL[k][l] = sum D[k][l][i][j] E[i][j], over the triangle
         // k + l <= ku or the rectangle.
         partials(D, E, P, Q, ku, kv, mode == 1 && ku == kv, [&](int k, int l) -> Point & { return SKL->a[k][l]; });

@@ -55,12 +55,14 @@ private:
 };
 
 // The Cartesian points E[0..p][0..q] of the active block whose first
-// control point is Pw[su - p][sv - q].
+// control point is Pw[su - p][sv - q], of a weighted surface or not.
 template <class DegU, class DegV>
-KW_HOT void cartesian_block(ControlPoint *const *Pw, int32_t su, int32_t sv, DegU p, DegV q,
+KW_HOT void cartesian_block(ControlPoint *const *Pw, int32_t su, int32_t sv, DegU p, DegV q, bool weighted,
                             Point (*E)[kWidth<DegV>]) noexcept {
     upto(Degree<0>{}, p, [&](auto i) KW_INLINE {
-        upto(Degree<0>{}, q, [&](auto j) KW_INLINE { E[i][j] = euclid(Pw[su - p + i][sv - q + j]); });
+        const ControlPoint *row = Pw[su - p + i] + sv - q;
+        if (weighted) euclid_weighted(row, q, E[i]);
+        else upto(Degree<0>{}, q, [&](auto j) KW_INLINE { E[i][j] = euclid(row[j]); });
     });
 }
 
