@@ -1,0 +1,306 @@
+// IGES export: a small file record by record, the record formats against
+// printf, flags, colours and the greatest coordinate, round trips through
+// the reader for every writer, refusals and allocation failures.
+#include <cmath>
+#include <vector>
+
+#include "core/fault_sweep.hpp"
+#include "io/printf.hpp"
+#include "support.hpp"
+
+using namespace kwt;
+
+namespace {
+
+// Weights that seven decimals hold exactly, so that files give back what
+// was written to their twelve decimals.
+void exact_weights(ControlPoint *P, int64_t count) {
+    for (int64_t i = 0; i < count; ++i)
+        if (P[i].w != KW_NONRATIONAL) {
+            ControlPoint E;
+            A_euccpt(P[i], &E);
+            E.w = std::round(8.0 * P[i].w) / 8.0;
+            A_weight(E, &P[i]);
+        }
+}
+
+Curve *new_curve(int kind, int32_t n, int16_t p, std::mt19937_64 &rng, StorageStacks *stk) {
+    Curve *c = S_getcus(stk);
+    random_curve(c, kind, n, p, rng, stk);
+    exact_weights(c->pol->Pw, n + 1);
+    return c;
+}
+
+Surface *new_surface(bool rational, int32_t n, int32_t m, int16_t p, int16_t q, std::mt19937_64 &rng,
+                     StorageStacks *stk) {
+    Surface *s = S_getsus(stk);
+    U_inisur(s);
+    EXPECT_EQ(U_surchk(s, n, m, p, q, n + p + 1, m + q + 1, const_cast<char *>("TEST"), stk), 0);
+    std::uniform_real_distribution<double> coord(-10.0, 10.0), weight(0.5, 2.0);
+    for (int32_t i = 0; i <= n; ++i)
+        for (int32_t j = 0; j <= m; ++j)
+            A_weight(ControlPoint{coord(rng), coord(rng), coord(rng), rational ? weight(rng) : KW_NONRATIONAL},
+                     &s->net->Pw[i][j]);
+    exact_weights(s->net->Pw[0], (n + 1) * (m + 1));
+    uniform_knots(s->knu->U, n, p);
+    uniform_knots(s->knv->U, m, q);
+    return s;
+}
+
+void expect_near(const ControlPoint &a, const ControlPoint &b, double tol = 6e-13) {
+    Point A, B;
+    A_euclid(a, &A);
+    A_euclid(b, &B);
+    EXPECT_NEAR(A.x, B.x, tol);
+    EXPECT_NEAR(A.y, B.y, tol);
+    EXPECT_NEAR(A.z, B.z, tol);
+    EXPECT_EQ(a.z == KW_PLANAR, b.z == KW_PLANAR);
+    EXPECT_EQ(a.w, b.w);
+}
+
+void expect_same(const Curve *a, const Curve *b) {
+    ASSERT_EQ(a->pol->n, b->pol->n);
+    ASSERT_EQ(a->p, b->p);
+    for (int32_t i = 0; i <= a->pol->n; ++i) expect_near(a->pol->Pw[i], b->pol->Pw[i]);
+    for (int32_t j = 0; j <= a->knt->m; ++j) EXPECT_NEAR(a->knt->U[j], b->knt->U[j], 6e-13);
+}
+
+void expect_same(const Surface *a, const Surface *b) {
+    ASSERT_EQ(a->net->n, b->net->n);
+    ASSERT_EQ(a->net->m, b->net->m);
+    for (int32_t i = 0; i <= a->net->n; ++i)
+        for (int32_t j = 0; j <= a->net->m; ++j) expect_near(a->net->Pw[i][j], b->net->Pw[i][j]);
+    for (int32_t j = 0; j <= a->knu->m; ++j) EXPECT_NEAR(a->knu->U[j], b->knu->U[j], 6e-13);
+    for (int32_t j = 0; j <= a->knv->m; ++j) EXPECT_NEAR(a->knv->U[j], b->knv->U[j], 6e-13);
+}
+
+// What U_inpigs gives back from a file.
+struct ReadBack {
+    Stacks stk;
+    Curve **cur = nullptr;
+    Surface **sur = nullptr;
+    int32_t nc = -9, ns = -9, nm = -9;
+    explicit ReadBack(const char *path) {
+        EXPECT_EQ(U_inpigs(&cur, &nc, &sur, &ns, nullptr, &nm, path, stk.get()), 0) << E_errtyp();
+    }
+};
+
+std::vector<std::string> records(const std::string &text) {
+    std::vector<std::string> r;
+    for (std::size_t at = 0; at < text.size(); at += 81) r.push_back(text.substr(at, 80));
+    return r;
+}
+
+std::string printed(const char *fmt, double v) {
+    char buf[400];
+    std::snprintf(buf, sizeof buf, fmt, v);
+    return buf;
+}
+
+const char *const kCubicFile = R"(Nurbs curves written out using the                                      S      1
+Kest software from Tarnholt, Inc.                                       S      2
+,,8HKest 7.0,30H@,1H ,1H ,                 G      1
+ 32, 38, 7,308, 15,1H , 1.0,1,2HIN,                                     G      2
+1, 0.001,13H             ,    0.0000010000000,                          G      3
+          4.0040000000,1H ,1H ,  9,0,                                   G      4
+13H             ;                                                       G      5
+     126       1       0       1       4       0       0       000000000D      1
+     126       1       2      11       0       0       0NURBSURF       1D      2
+126,    3,  3, 1, 0, 1, 0,                                             1P      1
+     0.000000000000 ,      0.000000000000 ,      0.000000000000,       1P      2
+     0.000000000000 ,      1.000000000000 ,      1.000000000000,       1P      3
+     1.000000000000 ,      1.000000000000,                             1P      4
+     1.000000 ,      1.000000 ,      1.000000 ,      1.000000,         1P      5
+     0.000000000000 ,      0.000000000000 ,      0.000000000000,       1P      6
+     1.000000000000 ,      2.000000000000 ,      0.000000000000,       1P      7
+     3.000000000000 ,      2.000000000000 ,      0.000000000000,       1P      8
+     4.000000000000 ,      0.000000000000 ,      0.000000000000,       1P      9
+     0.000000000000 ,      1.000000000000,                             1P     10
+       0.000000 ,        0.000000 ,        1.000000;                   1P     11
+S      2G      5D      2P     11                                        T      1
+)";
+
+}  // namespace
+
+// A 2-D cubic of four control points: 11 Parameter records, 2 Directory
+// records, the planar flag with its normal, 1.001 times the box's 4.
+TEST(IgesWrite, SmallCurveFileRecordByRecord) {
+    Stacks stk;
+    Curve c;
+    const ControlPoint P[4] = {{0, 0, KW_PLANAR, KW_NONRATIONAL}, {1, 2, KW_PLANAR, KW_NONRATIONAL},
+                               {3, 2, KW_PLANAR, KW_NONRATIONAL}, {4, 0, KW_PLANAR, KW_NONRATIONAL}};
+    double U[8];
+    uniform_knots(U, 3, 3);
+    U_inicur(&c);
+    ASSERT_EQ(U_makcu2(&c, const_cast<ControlPoint *>(P), 3, 3, U, 7, stk.get()), 0);
+    TempFile file;
+    Curve *cur[] = {&c};
+    ASSERT_EQ(U_cutigs(cur, 0, 1e-6, file.path()), 0);
+    std::string want = kCubicFile;
+    char name[40];
+    std::snprintf(name, sizeof name, "%30s", file.path());
+    want.replace(want.find('@'), 1, name);
+    EXPECT_EQ(file.read(), want);
+}
+
+TEST(IgesWrite, RecordFormatsLayOutAsPrintfDoes) {
+    std::mt19937_64 rng(5);
+    std::uniform_real_distribution<double> mantissa(-1.0, 1.0);
+    for (const char *fmt : {"%19.12lf", "%13lf", "%13.7lf", "%15lf", "%22.10lf", "%18.13lf", "%5.3f", "%1.1f"})
+        for (int i = 0; i < 2000; ++i) {
+            const double v = i < 4 ? std::vector<double>{0.0, -0.0, 0.5e-12, 2.5e-7}[i]
+                                   : mantissa(rng) * std::pow(10.0, i % 9 - 3);
+            char buf[400];
+            const int len = kw::io::format(buf, sizeof buf, fmt, {v});
+            EXPECT_EQ(std::string(buf, len), printed(fmt, v)) << fmt;
+        }
+    char buf[200];
+    const int len = kw::io::format(buf, sizeof buf, "%3d,%8d%30s|%%%7dP", {-12, 1234567, "name", 0});
+    EXPECT_EQ(std::string(buf, len), "-12, 1234567                          name|%      0P");
+    EXPECT_EQ(kw::io::format(buf, sizeof buf, "%19.12lf", {NAN}), -1);
+    EXPECT_EQ(kw::io::format(buf, 10, "%19.12lf", {1.0}), -1);
+}
+
+// Colours cycle over the entities; unit weights make a rational curve
+// polynomial in the file; a closed curve says so; the greatest coordinate is
+// 1.001 times the largest box coordinate.
+TEST(IgesWrite, FlagsColoursAndGreatestCoordinate) {
+    Stacks stk;
+    std::mt19937_64 rng(11);
+    std::vector<Curve *> cur;
+    for (int i = 0; i < 9; ++i) cur.push_back(new_curve(1 + i % 4, 4, 3, rng, stk.get()));
+    for (int i = 0; i <= 4; ++i) cur[3]->pol->Pw[i].w = 1.0;  // rational, all weights 1.0
+    cur[4]->pol->Pw[4] = cur[4]->pol->Pw[0];                     // closed
+    TempFile file;
+    ASSERT_EQ(U_cutigs(cur.data(), 8, 1e-6, file.path()), 0);
+    const std::vector<std::string> r = records(file.read());
+    double greatest = 0;
+    int32_t pointer = 1;
+    for (int i = 0; i < 9; ++i) {
+        const std::string &d2 = r[7 + 2 * i + 1];
+        EXPECT_EQ(std::stoi(d2.substr(16, 8)), (i + 2) % 8);
+        EXPECT_EQ(std::stoi(d2.substr(24, 8)), 3 + (8 / 3 + 1) + (4 / 4 + 1) + 5);
+        const std::string &header = r[7 + 18 + pointer - 1];
+        const bool rational = cur[i]->pol->Pw[0].w != KW_NONRATIONAL && i != 3;
+        EXPECT_EQ(header.substr(0, 26), printed("126,    4,  3,%2.0f,", i % 2 == 0 ? 1.0 : 0.0) +
+                                            (i == 4 ? " 1," : " 0,") + (rational ? " 0, 0," : " 1, 0,"));
+        const std::string weights = r[7 + 18 + pointer - 1 + 4];
+        EXPECT_EQ(weights.substr(0, 13), rational ? printed("%13.7lf", cur[i]->pol->Pw[0].w) : "     1.000000");
+        pointer += 3 + 3 + 2 + 5;
+        Box b;
+        ASSERT_EQ(N_curbox(cur[i], &b), 0);
+        for (double v : {b.xmin, b.xmax, b.ymin, b.ymax, b.zmin, b.zmax}) greatest = std::max(greatest, std::fabs(v));
+    }
+    EXPECT_EQ(r[5].substr(0, 22), printed("%22.10lf", 1.001 * greatest));
+}
+
+TEST(IgesWrite, EveryWriterReadsBack) {
+    Stacks stk;
+    std::mt19937_64 rng(17);
+    std::vector<Curve *> cur;
+    for (int kind = 1; kind <= 4; ++kind)
+        for (int16_t p : {1, 2, 3, 5}) cur.push_back(new_curve(kind, p + 4, p, rng, stk.get()));
+    std::vector<Surface *> sur = {new_surface(false, 3, 4, 2, 3, rng, stk.get()),
+                                  new_surface(true, 4, 2, 3, 1, rng, stk.get())};
+    const int32_t nc = static_cast<int32_t>(cur.size()) - 1;
+    TempFile curves, surfaces, mixed, polygons, nets, points, path;
+    ASSERT_EQ(U_cutigs(cur.data(), nc, 1e-7, curves.path()), 0);
+    ASSERT_EQ(U_sutigs(sur.data(), 1, 1e-7, surfaces.path()), 0);
+    const Point lin[4] = {{0, 0, 0}, {1, 2, 3}, {-4, 5.5, 0}, {7, 8, -9}};
+    ASSERT_EQ(U_lcsigs(lin, 1, cur.data(), 1, sur.data() + 1, 0, 1e-7, mixed.path()), 0);
+    ASSERT_EQ(U_cpligs(cur.data(), nc, polygons.path()), 0);
+    ASSERT_EQ(U_spligs(sur.data(), 1, nets.path()), 0);
+    ASSERT_EQ(U_p1digs(lin, 3, 1, points.path()), 0);
+    ASSERT_EQ(U_p1digs(lin, 3, 2, path.path()), 0);
+
+    const ReadBack c(curves.path()), s(surfaces.path()), x(mixed.path()), pg(polygons.path()), nt(nets.path());
+    ASSERT_EQ(c.nc, nc);
+    for (int32_t i = 0; i <= nc; ++i) expect_same(c.cur[i], cur[i]);
+    ASSERT_EQ(s.ns, 1);
+    for (int i = 0; i < 2; ++i) expect_same(s.sur[i], sur[i]);
+    ASSERT_EQ(x.nc, 3);
+    ASSERT_EQ(x.ns, 0);
+    for (int i = 0; i < 4; ++i) expect_near(x.cur[i / 2]->pol->Pw[i % 2], ControlPoint{lin[i].x, lin[i].y, lin[i].z, KW_NONRATIONAL});
+    expect_same(x.cur[2], cur[0]);
+    expect_same(x.cur[3], cur[1]);
+    expect_same(x.sur[0], sur[1]);
+    // Polygons and nets come back as polylines through the Cartesian points.
+    auto polyline = [](const Curve *c, auto point, int32_t n) {
+        ASSERT_EQ(c->p, 1);
+        ASSERT_EQ(c->pol->n, n);
+        for (int32_t i = 0; i <= n; ++i) {
+            ControlPoint E;
+            A_euccpt(point(i), &E);
+            expect_near(c->pol->Pw[i], E);
+        }
+    };
+    ASSERT_EQ(pg.nc, nc);
+    for (int32_t i = 0; i <= nc; ++i) polyline(pg.cur[i], [&](int32_t k) { return cur[i]->pol->Pw[k]; }, cur[i]->pol->n);
+    ASSERT_EQ(nt.nc, (4 + 5) + (5 + 3) - 1);
+    int32_t at = 0;
+    for (const Surface *f : sur) {
+        const ControlNet *net = f->net;
+        for (int32_t i = 0; i <= net->n; ++i) polyline(nt.cur[at++], [&](int32_t k) { return net->Pw[i][k]; }, net->m);
+        for (int32_t j = 0; j <= net->m; ++j) polyline(nt.cur[at++], [&](int32_t k) { return net->Pw[k][j]; }, net->n);
+    }
+    // Points and polylines are entities the reader passes over.
+    for (const TempFile *f : {&points, &path}) {
+        const ReadBack p(f->path());
+        EXPECT_EQ(p.nc, -1);
+        EXPECT_EQ(records(f->read()).size(), 2 + 5 + 1 + (f == &points ? 4 * 2 + 4 * 2 : 2 + 5));
+    }
+}
+
+TEST(IgesWrite, RefusalsLeaveTheFileAlone) {
+    Stacks stk;
+    std::mt19937_64 rng(23);
+    Curve *c = new_curve(2, 4, 3, rng, stk.get());
+    Surface *s = new_surface(true, 2, 2, 2, 2, rng, stk.get());
+    TempFile file("before");
+    auto refused = [&](int16_t status, int code, const char *name) {
+        EXPECT_EQ(status, 1);
+        EXPECT_EQ(E_errtyp(), code);
+        EXPECT_EQ(error_name(), name);
+        EXPECT_EQ(file.read(), "before");
+    };
+    refused(U_cutigs(&c, -1, 1e-6, file.path()), KW_EARG, "U_CUTIGS");
+    refused(U_cutigs(&c, 0, 0.0, file.path()), KW_EARG, "U_CUTIGS");
+    refused(U_sutigs(nullptr, 0, 1e-6, file.path()), KW_EARG, "U_SUTIGS");
+    refused(U_lcsigs(nullptr, -1, nullptr, -1, nullptr, -1, 1e-6, file.path()), KW_EARG, "U_LCSIGS");
+    refused(U_p1digs(nullptr, 0, 1, file.path()), KW_EARG, "U_P1DIGS");
+    const Point P[2] = {{0, 0, 0}, {1, 1, 1}};
+    refused(U_p1digs(P, 1, 3, file.path()), KW_EARG, "U_P1DIGS");
+    refused(U_p1digs(P, 0, 2, file.path()), KW_EARG, "U_P1DIGS");
+    // Numbers too wide for their columns.
+    const Point far[2] = {{0, 0, 0}, {-100000.5, 1, 1}};
+    refused(U_lcsigs(far, 0, nullptr, -1, nullptr, -1, 1e-6, file.path()), KW_EARG, "U_LCSIGS");
+    refused(U_cutigs(&c, 0, 1e4, file.path()), KW_EARG, "U_CUTIGS");
+    s->net->Pw[1][1].w = 1000.0;
+    refused(U_spligs(&s, 0, file.path()), KW_EWEIGHT, "U_SPLIGS");
+    c->knt->U[4] = 2.0;
+    refused(U_cpligs(&c, 0, file.path()), KW_EKNOTS, "U_CPLIGS");
+    EXPECT_EQ(U_p1digs(P, 1, 1, "/nonexistent/x.igs"), 1);
+    EXPECT_EQ(E_errtyp(), KW_EFILE);
+}
+
+// The surface box takes scratch; a failure writes nothing.
+TEST(IgesWrite, AllocationFailures) {
+    TempFile file;
+    auto prepare = [&](bool mixed) {
+        return [&, mixed](StorageStacks *stk) {
+            std::mt19937_64 rng(29);
+            Surface *s = new_surface(true, 2, 3, 2, 2, rng, stk);
+            Curve *c = new_curve(4, 3, 2, rng, stk);
+            std::remove(file.path());
+            return std::function<int()>([=, &file] {
+                Surface *sa[] = {s};
+                Curve *ca[] = {c};
+                const int16_t st = mixed ? U_lcsigs(nullptr, -1, ca, 0, sa, 0, 1e-6, file.path())
+                                         : U_sutigs(sa, 0, 1e-6, file.path());
+                if (st) EXPECT_EQ(file.read(), "");
+                return st;
+            });
+        };
+    };
+    for (bool mixed : {false, true}) EXPECT_FALSE(kwtest::sweep({"writer", prepare(mixed)}).empty());
+}
