@@ -2,6 +2,7 @@
 // reach its extremes, and lie within the box of the control points.
 #include <array>
 
+#include "nurbs/eval/surface_point.hpp"
 #include "nurbs/knots/testkit.hpp"
 
 using namespace kwtest;
@@ -44,23 +45,6 @@ void expect_inside(const Sides &box, const Sides &outer, double tol) {
         EXPECT_GE(box[2 * c], outer[2 * c] - tol) << "side " << 2 * c;
         EXPECT_LE(box[2 * c + 1], outer[2 * c + 1] + tol) << "side " << 2 * c + 1;
     }
-}
-
-// S(u, v) summed over the homogeneous net with the basis functions of
-// each direction.
-Point surface_point(const Surface &s, double u, double v) {
-    double Nu[KW_MAX_DEGREE + 1], Nv[KW_MAX_DEGREE + 1];
-    int32_t su, sv;
-    N_kntalb(s.knu, s.p, u, KW_RIGHT, Nu, &su);
-    N_kntalb(s.knv, s.q, v, KW_RIGHT, Nv, &sv);
-    ControlPoint sum{0, 0, 0, 0};
-    for (int i = 0; i <= s.p; ++i)
-        for (int j = 0; j <= s.q; ++j) {
-            ControlPoint P = s.net->Pw[su - s.p + i][sv - s.q + j];
-            if (P.w == KW_NONRATIONAL) P.w = 1.0;
-            sum = kw::sum(sum, kw::scale(Nu[i] * Nv[j], P));
-        }
-    return cartesian(sum);
 }
 
 }  // namespace

@@ -1,0 +1,182 @@
+// IGES export against OpenCASCADE: its reader reads and transfers every file
+// the writers produce, and the curves and surfaces it makes of them
+// evaluate to our points.
+#include <Geom_BSplineCurve.hxx>
+#include <Geom_Curve.hxx>
+#include <Geom_Surface.hxx>
+#include <IGESControl_Controller.hxx>
+#include <IGESControl_Reader.hxx>
+#include <IGESData_IGESModel.hxx>
+#include <IGESGeom_BSplineCurve.hxx>
+#include <IGESGeom_BSplineSurface.hxx>
+#include <IGESGeom_CopiousData.hxx>
+#include <IGESGeom_Line.hxx>
+#include <IGESGeom_Point.hxx>
+#include <IGESToBRep_BasicCurve.hxx>
+#include <IGESToBRep_BasicSurface.hxx>
+
+#include <cmath>
+#include <vector>
+
+#include "io/support.hpp"
+#include "nurbs/eval/surface_point.hpp"
+
+using namespace kwt;
+
+namespace {
+
+// The files hold twelve decimals; the weights are exact in seven.
+constexpr double kRelative = 1e-9;
+
+void expect_close(const gp_Pnt &a, const Point &b) {
+    const double tol = kRelative * std::max({1.0, std::fabs(b.x), std::fabs(b.y), std::fabs(b.z)});
+    EXPECT_NEAR(a.X(), b.x, tol);
+    EXPECT_NEAR(a.Y(), b.y, tol);
+    EXPECT_NEAR(a.Z(), b.z, tol);
+}
+
+Point cartesian(const ControlPoint &P) {
+    Point E;
+    A_euclid(P, &E);
+    return E;
+}
+
+// A file as OpenCASCADE reads it: its entities of type T in file order, and
+// how many shapes the transfer of its roots gave.
+struct Occt {
+    IGESControl_Reader reader;
+    Handle(IGESData_IGESModel) model;
+    int shapes = 0;
+    explicit Occt(const char *path) {
+        IGESControl_Controller::Init();
+        EXPECT_EQ(reader.ReadFile(path), IFSelect_RetDone);
+        model = reader.IGESModel();
+        reader.TransferRoots();
+        shapes = reader.NbShapes();
+    }
+    template <class T>
+    std::vector<Handle(T)> all() const {
+        std::vector<Handle(T)> v;
+        for (Standard_Integer i = 1; i <= model->NbEntities(); ++i)
+            if (auto e = Handle(T)::DownCast(model->Entity(i))) v.push_back(e);
+        return v;
+    }
+};
+
+// The transferred curve at eleven parameters across the range.
+void expect_curve(const Handle(IGESGeom_BSplineCurve) &e, const Curve *c) {
+    const Handle(Geom_Curve) g = IGESToBRep_BasicCurve().TransferBasicCurve(e);
+    ASSERT_FALSE(g.IsNull());
+    const double a = c->knt->U[0], b = c->knt->U[c->knt->m];
+    for (int t = 0; t <= 10; ++t) {
+        const double u = a + (b - a) * t / 10;
+        Point C;
+        N_curevn(c, u, KW_RIGHT, &C);
+        expect_close(g->Value(u), C);
+    }
+}
+
+void expect_surface(const Handle(IGESGeom_BSplineSurface) &e, const Surface *s) {
+    const Handle(Geom_Surface) g = IGESToBRep_BasicSurface().TransferBasicSurface(e);
+    ASSERT_FALSE(g.IsNull());
+    for (int i = 0; i <= 6; ++i)
+        for (int j = 0; j <= 6; ++j) {
+            const double u = s->knu->U[0] + (s->knu->U[s->knu->m] - s->knu->U[0]) * i / 6;
+            const double v = s->knv->U[0] + (s->knv->U[s->knv->m] - s->knv->U[0]) * j / 6;
+            expect_close(g->Value(u, v), kwtest::surface_point(*s, u, v));
+        }
+}
+
+// A polyline of degree 1 passes through its points at the whole parameters.
+template <class At>
+void expect_polyline(const Handle(IGESGeom_BSplineCurve) &e, At point, int32_t n) {
+    const Handle(Geom_Curve) g = IGESToBRep_BasicCurve().TransferBasicCurve(e);
+    ASSERT_FALSE(g.IsNull());
+    for (int32_t i = 0; i <= n; ++i) expect_close(g->Value(i), cartesian(point(i)));
+}
+
+Curve *make_curve(int kind, int32_t n, int16_t p, std::mt19937_64 &rng, StorageStacks *stk) {
+    Curve *c = S_getcus(stk);
+    random_curve(c, kind, n, p, rng, stk);
+    for (int32_t i = 0; i <= n; ++i) {
+        ControlPoint E;
+        A_euccpt(c->pol->Pw[i], &E);
+        E.w = kind >= 3 ? 0.25 * (2 + i % 5) : KW_NONRATIONAL;
+        A_weight(E, &c->pol->Pw[i]);
+    }
+    return c;
+}
+
+Surface *make_surface(bool rational, int32_t n, int32_t m, int16_t p, int16_t q, StorageStacks *stk) {
+    Surface *s = S_getsus(stk);
+    U_inisur(s);
+    EXPECT_EQ(U_surchk(s, n, m, p, q, n + p + 1, m + q + 1, const_cast<char *>("TEST"), stk), 0);
+    for (int32_t i = 0; i <= n; ++i)
+        for (int32_t j = 0; j <= m; ++j)
+            A_weight(ControlPoint{1.5 * i, -2.0 * j, std::sin(i + 0.7 * j), rational ? 0.25 * (2 + (i + 2 * j) % 5) : KW_NONRATIONAL},
+                     &s->net->Pw[i][j]);
+    uniform_knots(s->knu->U, n, p);
+    uniform_knots(s->knv->U, m, q);
+    return s;
+}
+
+}  // namespace
+
+TEST(IgesWriteOcct, EveryFileTransfersToOurGeometry) {
+    Stacks stk;
+    std::mt19937_64 rng(41);
+    std::vector<Curve *> cur;
+    for (int kind = 1; kind <= 4; ++kind)
+        for (int16_t p : {1, 2, 3, 4}) cur.push_back(make_curve(kind, p + 3, p, rng, stk.get()));
+    const int32_t nc = static_cast<int32_t>(cur.size()) - 1;
+    std::vector<Surface *> sur = {make_surface(false, 3, 4, 3, 2, stk.get()), make_surface(true, 4, 3, 2, 3, stk.get())};
+    const Point lin[4] = {{0, 0, 0}, {1, 2, 3}, {-4, 5.5, 0.25}, {7, 8, -9}};
+    TempFile curves, surfaces, mixed, polygons, nets, points, path;
+    ASSERT_EQ(U_cutigs(cur.data(), nc, 1e-7, curves.path()), 0);
+    ASSERT_EQ(U_sutigs(sur.data(), 1, 1e-7, surfaces.path()), 0);
+    ASSERT_EQ(U_lcsigs(lin, 1, cur.data() + 12, 3, sur.data(), 1, 1e-7, mixed.path()), 0);
+    ASSERT_EQ(U_cpligs(cur.data(), nc, polygons.path()), 0);
+    ASSERT_EQ(U_spligs(sur.data(), 1, nets.path()), 0);
+    ASSERT_EQ(U_p1digs(lin, 3, 1, points.path()), 0);
+    ASSERT_EQ(U_p1digs(lin, 3, 2, path.path()), 0);
+
+    const Occt c(curves.path()), s(surfaces.path()), x(mixed.path()), pg(polygons.path()), nt(nets.path()),
+        pt(points.path()), ph(path.path());
+    EXPECT_EQ(c.shapes, nc + 1);
+    for (int32_t i = 0; i <= nc; ++i) expect_curve(c.all<IGESGeom_BSplineCurve>()[i], cur[i]);
+    EXPECT_EQ(s.shapes, 2);
+    for (int i = 0; i < 2; ++i) expect_surface(s.all<IGESGeom_BSplineSurface>()[i], sur[i]);
+    EXPECT_EQ(x.shapes, 2 + 4 + 2);
+    const auto lines = x.all<IGESGeom_Line>();
+    ASSERT_EQ(lines.size(), 2u);
+    for (int i = 0; i < 2; ++i) {
+        expect_close(lines[i]->StartPoint(), lin[2 * i]);
+        expect_close(lines[i]->EndPoint(), lin[2 * i + 1]);
+    }
+    for (int i = 0; i < 4; ++i) expect_curve(x.all<IGESGeom_BSplineCurve>()[i], cur[12 + i]);
+    for (int i = 0; i < 2; ++i) expect_surface(x.all<IGESGeom_BSplineSurface>()[i], sur[i]);
+
+    EXPECT_EQ(pg.shapes, nc + 1);
+    for (int32_t i = 0; i <= nc; ++i)
+        expect_polyline(pg.all<IGESGeom_BSplineCurve>()[i], [&](int32_t k) { return cur[i]->pol->Pw[k]; }, cur[i]->pol->n);
+    EXPECT_EQ(nt.shapes, (4 + 5) + (5 + 4));
+    std::size_t at = 0;
+    for (const Surface *f : sur) {
+        const ControlNet *net = f->net;
+        const auto all = nt.all<IGESGeom_BSplineCurve>();
+        for (int32_t i = 0; i <= net->n; ++i) expect_polyline(all[at++], [&](int32_t k) { return net->Pw[i][k]; }, net->m);
+        for (int32_t j = 0; j <= net->m; ++j) expect_polyline(all[at++], [&](int32_t k) { return net->Pw[k][j]; }, net->n);
+    }
+
+    const auto dots = pt.all<IGESGeom_Point>();
+    ASSERT_EQ(dots.size(), 4u);
+    EXPECT_EQ(pt.shapes, 4);
+    for (int i = 0; i < 4; ++i) expect_close(dots[i]->Value(), lin[i]);
+    const auto copious = ph.all<IGESGeom_CopiousData>();
+    ASSERT_EQ(copious.size(), 1u);
+    EXPECT_EQ(ph.shapes, 1);
+    const Handle(Geom_BSplineCurve) g = IGESToBRep_BasicCurve().TransferCopiousData(copious[0]);
+    ASSERT_FALSE(g.IsNull());
+    ASSERT_EQ(g->NbPoles(), 4);
+    for (int i = 0; i < 4; ++i) expect_close(g->Pole(i + 1), lin[i]);
+}
