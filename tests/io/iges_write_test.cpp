@@ -6,6 +6,7 @@
 
 #include "core/fault_sweep.hpp"
 #include "io/printf.hpp"
+#include "iges_written.hpp"
 #include "support.hpp"
 
 using namespace kwt;
@@ -203,17 +204,9 @@ TEST(IgesWrite, EveryWriterReadsBack) {
     std::vector<Surface *> sur = {new_surface(false, 3, 4, 2, 3, rng, stk.get()),
                                   new_surface(true, 4, 2, 3, 1, rng, stk.get())};
     const int32_t nc = static_cast<int32_t>(cur.size()) - 1;
-    TempFile curves, surfaces, mixed, polygons, nets, points, path;
-    ASSERT_EQ(U_cutigs(cur.data(), nc, 1e-7, curves.path()), 0);
-    ASSERT_EQ(U_sutigs(sur.data(), 1, 1e-7, surfaces.path()), 0);
     const Point lin[4] = {{0, 0, 0}, {1, 2, 3}, {-4, 5.5, 0}, {7, 8, -9}};
-    ASSERT_EQ(U_lcsigs(lin, 1, cur.data(), 1, sur.data() + 1, 0, 1e-7, mixed.path()), 0);
-    ASSERT_EQ(U_cpligs(cur.data(), nc, polygons.path()), 0);
-    ASSERT_EQ(U_spligs(sur.data(), 1, nets.path()), 0);
-    ASSERT_EQ(U_p1digs(lin, 3, 1, points.path()), 0);
-    ASSERT_EQ(U_p1digs(lin, 3, 2, path.path()), 0);
-
-    const ReadBack c(curves.path()), s(surfaces.path()), x(mixed.path()), pg(polygons.path()), nt(nets.path());
+    const Written w(cur, sur, lin);
+    const ReadBack c(w.curves.path()), s(w.surfaces.path()), x(w.mixed.path()), pg(w.polygons.path()), nt(w.nets.path());
     ASSERT_EQ(c.nc, nc);
     for (int32_t i = 0; i <= nc; ++i) expect_same(c.cur[i], cur[i]);
     ASSERT_EQ(s.ns, 1);
@@ -244,10 +237,10 @@ TEST(IgesWrite, EveryWriterReadsBack) {
         for (int32_t j = 0; j <= net->m; ++j) polyline(nt.cur[at++], [&](int32_t k) { return net->Pw[k][j]; }, net->n);
     }
     // Points and polylines are entities the reader passes over.
-    for (const TempFile *f : {&points, &path}) {
+    for (const TempFile *f : {&w.points, &w.path}) {
         const ReadBack p(f->path());
         EXPECT_EQ(p.nc, -1);
-        EXPECT_EQ(records(f->read()).size(), 2 + 5 + 1 + (f == &points ? 4 * 2 + 4 * 2 : 2 + 5));
+        EXPECT_EQ(records(f->read()).size(), 2 + 5 + 1 + (f == &w.points ? 4 * 2 + 4 * 2 : 2 + 5));
     }
 }
 
