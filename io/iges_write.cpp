@@ -104,12 +104,12 @@ public:
     void put(Section s, const char *fmt, std::initializer_list<Arg> args) noexcept {
         put(s, fmt, args.begin(), static_cast<int>(args.size()));
     }
-    int32_t count(Section s) const noexcept { return count_[s]; }
+    int64_t count(Section s) const noexcept { return count_[s]; }
     bool fits() const noexcept { return fits_; }
 
 private:
     FILE *f_;
-    int32_t count_[kSections] = {};
+    int64_t count_[kSections] = {};
     bool fits_ = true;
 };
 
@@ -160,7 +160,7 @@ private:
     int32_t back_;
 };
 
-// Records in a list of count values, per records of `per`.
+// The records that a list of count values takes, `per` to a record.
 int64_t records_for(int64_t count, int per) noexcept { return (count - 1) / per + 1; }
 
 // ---- Entities -------------------------------------------------------------------
@@ -389,8 +389,8 @@ void lay_out(Records &r, const Model &model, const Header &h) noexcept {
         emit(out, e);
         ++i;
     });
-    r.put(kTerminate, kTerminateRecord, {r.count(kStart), r.count(kGlobal), r.count(kDirectory),
-                                   r.count(kParameter), ""});
+    r.put(kTerminate, kTerminateRecord,
+          {r.count(kStart), r.count(kGlobal), r.count(kDirectory), r.count(kParameter), ""});
 }
 
 // Checks the model and the resolution, finds the greatest coordinate, lays
