@@ -64,10 +64,10 @@ constexpr const char *kNormal = "%15lf , %15lf , %15lf;%12s %7dP%7d\n";
 constexpr const char *kUnitWeights[5] = {
     nullptr, "%13lf,%50s %7dP%7d\n", "%13lf , %13lf,%34s %7dP%7d\n",
     "%13lf , %13lf , %13lf,%18s %7dP%7d\n", "%13lf , %13lf , %13lf , %13lf,   %7dP%7d\n"};
-constexpr const char *kWeights[5] = {
-    nullptr, "%13.7lf,%50s %7dP%7d\n", "%13.7lf , %13.7lf,%34s %7dP%7d\n",
-    "%13.7lf , %13.7lf , %13.7lf,%18s %7dP%7d\n",
-    "%13.7lf , %13.7lf , %13.7lf , %13.7lf,   %7dP%7d\n"};
+constexpr const char *kWeights[5] = {nullptr, "%13.7lf,%50s %7dP%7d\n",
+                                     "%13.7lf , %13.7lf,%34s %7dP%7d\n",
+                                     "%13.7lf , %13.7lf , %13.7lf,%18s %7dP%7d\n",
+                                     "%13.7lf , %13.7lf , %13.7lf , %13.7lf,   %7dP%7d\n"};
 
 constexpr const char *kTerminateRecord = "S%7dG%7dD%7dP%7d%40sT%7d\n";
 
@@ -171,7 +171,9 @@ struct PointSeq {
     const ControlPoint *flat = nullptr;
     ControlPoint *const *rows = nullptr;
     int32_t col = 0;
-    const ControlPoint &operator[](int64_t i) const noexcept { return flat ? flat[i] : rows[i][col]; }
+    const ControlPoint &operator[](int64_t i) const noexcept {
+        return flat ? flat[i] : rows[i][col];
+    }
 };
 
 // First and last points closer than the point tolerance, as U_iscurc has it.
@@ -224,10 +226,10 @@ CurveView curve_view(const Curve *cur, double tol) noexcept {
 // One entity of a file.
 struct Entity {
     enum Kind { kCurve, kSurface, kLine, kPoint, kPolyline } kind;
-    CurveView curve{};                // kCurve
-    const Curve *source = nullptr;    // kCurve: the curve itself, when it is not a polyline
+    CurveView curve{};  // kCurve
+    const Curve *source = nullptr;  // kCurve: the curve itself, when it is not a polyline
     const Surface *surface = nullptr;  // kSurface
-    const Point *P = nullptr;         // kLine: P[0], P[1]; kPoint: P[0]; kPolyline: P[0..n]
+    const Point *P = nullptr;  // kLine: P[0], P[1]; kPoint: P[0]; kPolyline: P[0..n]
     int32_t n = 0;
 };
 
@@ -236,7 +238,9 @@ int32_t type_of(const Entity &e) noexcept {
     return types[e.kind];
 }
 
-int32_t form_of(const Entity &e) noexcept { return e.kind == Entity::kPolyline ? kPolylineForm : 0; }
+int32_t form_of(const Entity &e) noexcept {
+    return e.kind == Entity::kPolyline ? kPolylineForm : 0;
+}
 
 int64_t lines_of(const Entity &e) noexcept {
     switch (e.kind) {
@@ -328,7 +332,8 @@ int16_t extent(const Entity &e, double *g) noexcept {
             if (N_curbox(e.source, &box)) return 1;
             *g = greatest(box);
         } else {
-            for (int32_t i = 0; i <= e.curve.n; ++i) *g = std::max(*g, greatest(euclid(e.curve.P[i])));
+            for (int32_t i = 0; i <= e.curve.n; ++i)
+                *g = std::max(*g, greatest(euclid(e.curve.P[i])));
         }
         return 0;
     case Entity::kSurface:
@@ -348,7 +353,7 @@ int16_t extent(const Entity &e, double *g) noexcept {
 
 // What a file says about itself besides its entities.
 struct Header {
-    const char *start;   // the first Start record
+    const char *start;  // the first Start record
     const char *sender;  // the first Global record
     char name[kNameColumns + 1];
     double resolution;
@@ -369,8 +374,9 @@ void lay_out(Records &r, const Model &model, const Header &h) noexcept {
     r.put(kStart, h.start, {""});
     r.put(kStart, kStartSender, {""});
     r.put(kGlobal, h.sender, {h.name, ""});
-    r.put(kGlobal, kGlobalNumbers, {kIntegerBits, kSingleMagnitude, kSingleDigits, kDoubleMagnitude,
-                                    kDoubleDigits, 1.0, ""});
+    r.put(
+        kGlobal, kGlobalNumbers,
+        {kIntegerBits, kSingleMagnitude, kSingleDigits, kDoubleMagnitude, kDoubleDigits, 1.0, ""});
     r.put(kGlobal, kGlobalResolution, {kLineWidth, h.resolution, ""});
     r.put(kGlobal, kGlobalCoordinate, {h.coordinate, kVersion, ""});
     r.put(kGlobal, kGlobalDate, {""});
@@ -378,8 +384,8 @@ void lay_out(Records &r, const Model &model, const Header &h) noexcept {
     model.each([&](const Entity &e) {
         const int64_t lines = lines_of(e);
         r.put(kDirectory, kDirectory1, {type_of(e), pointer, 0, 1, 4, 0, 0, 0});
-        r.put(kDirectory, kDirectory2, {type_of(e), 1, static_cast<int>((i + 2) % 8), lines,
-                                        form_of(e), 0, 0, i + 1});
+        r.put(kDirectory, kDirectory2,
+              {type_of(e), 1, static_cast<int>((i + 2) % 8), lines, form_of(e), 0, 0, i + 1});
         pointer += lines;
         ++i;
     });
@@ -568,7 +574,8 @@ int16_t U_cutigs(Curve *const *cur, int32_t k, double tol, const char *file) {
 
 int16_t U_sutigs(Surface *const *sur, int32_t k, double tol, const char *file) {
     static char name[] = "U_SUTIGS";
-    return write_iges(Objects<Surface>{sur, k, tol}, tol, file, kStartSurfaces, kGlobalSender, name);
+    return write_iges(Objects<Surface>{sur, k, tol}, tol, file, kStartSurfaces, kGlobalSender,
+                      name);
 }
 
 int16_t U_lcsigs(const Point *lin, int32_t nl, Curve *const *cur, int32_t nc, Surface *const *sur,
@@ -585,10 +592,12 @@ int16_t U_p1digs(const Point *P, int32_t n, int16_t mode, const char *file) {
 
 int16_t U_cpligs(Curve *const *cur, int32_t k, const char *file) {
     static char name[] = "U_CPLIGS";
-    return write_iges(Objects<Curve, Control>{cur, k, U_tolpoi}, U_tolpoi, file, kStartPolygons, kGlobalSender, name);
+    return write_iges(Objects<Curve, Control>{cur, k, U_tolpoi}, U_tolpoi, file, kStartPolygons,
+                      kGlobalSender, name);
 }
 
 int16_t U_spligs(Surface *const *sur, int32_t k, const char *file) {
     static char name[] = "U_SPLIGS";
-    return write_iges(Objects<Surface, Control>{sur, k, U_tolpoi}, U_tolpoi, file, kStartNets, kGlobalSender, name);
+    return write_iges(Objects<Surface, Control>{sur, k, U_tolpoi}, U_tolpoi, file, kStartNets,
+                      kGlobalSender, name);
 }

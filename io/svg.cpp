@@ -54,10 +54,14 @@ public:
     void open() noexcept {
         const double ex = hi_[0] - lo_[0], ey = hi_[1] - lo_[1];
         const double room_x = kWidth - 2 * kMargin, room_y = kMaxHeight - 2 * kMargin;
-        scale_ = ex > 0 || ey > 0 ? std::min(ex > 0 ? room_x / ex : DBL_MAX, ey > 0 ? room_y / ey : DBL_MAX) : 1.0;
+        scale_ = ex > 0 || ey > 0
+                     ? std::min(ex > 0 ? room_x / ex : DBL_MAX, ey > 0 ? room_y / ey : DBL_MAX)
+                     : 1.0;
         height_ = std::ceil(ey * scale_ + 2 * kMargin - 1e-6);
         left_ = 0.5 * (kWidth - ex * scale_);
-        text("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"");
+        text(
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" "
+            "width=\"");
         number(kWidth, 0);
         text("\" height=\"");
         number(height_, 0);
@@ -71,7 +75,8 @@ public:
 
     // The pixel of a projected point, y down.
     Point pixel(const Point &P) const noexcept {
-        return Point{left_ + (P.x - lo_[0]) * scale_, height_ - kMargin - (P.y - lo_[1]) * scale_, 0.0};
+        return Point{left_ + (P.x - lo_[0]) * scale_, height_ - kMargin - (P.y - lo_[1]) * scale_,
+                     0.0};
     }
     // A pixel's coordinates as "x y".
     void at(const Point &P) noexcept {
@@ -184,7 +189,6 @@ void sample(Page &page, const Curve *cur, double a, double b, const Point &A, co
 // polynomial curve of degree 3 or less, sampled otherwise.
 void draw_curve(Page &page, const Curve *cur, const char *colour) noexcept {
     const ControlPoint *Pw = cur->pol->Pw;
-    const double *U = cur->knt->U;
     const int p = cur->p;
     const bool exact = !rational(Pw[0]) && p <= 3;
     constexpr const char *kind[4] = {"", " L", " Q", " C"};
@@ -192,24 +196,22 @@ void draw_curve(Page &page, const Curve *cur, const char *colour) noexcept {
     page.text(colour);
     page.text("\" d=\"M ");
     page.at(euclid(Pw[0]));
-    for (int32_t s = p; s <= cur->pol->n; ++s) {
-        const double a = U[s], b = U[s + 1];
-        if (!(a < b)) continue;
+    each_span(cur->knt->U, p, cur->pol->n, [&](int32_t s, double a, double b) {
         if (!exact) {
             Point A, B;
             N_curevn(cur, a, KW_RIGHT, &A);
             N_curevn(cur, b, KW_LEFT, &B);
             sample(page, cur, a, b, A, B, 0);
-            continue;
+            return;
         }
         Hom Q[kTable];
-        bezier_piece(U, p, s, [&](int j) { return homogeneous(Pw[s - p + j]); }, Q);
+        curve_piece(cur, s, Q);
         page.text(kind[p]);
         for (int j = 1; j <= p; ++j) {
             page.text(" ");
             page.at(Point{Q[j].x, Q[j].y, 0.0});
         }
-    }
+    });
     page.text("\"/>\n");
 }
 
@@ -260,7 +262,8 @@ void iso_curve(const Surface *s, int dir, double t, ControlPoint *Q, ControlPoly
         ZSum z;
         WSum w;
         for (int j = 0; j <= deg; ++j) {
-            const ControlPoint &P = along_u ? s->net->Pw[i][span - deg + j] : s->net->Pw[span - deg + j][i];
+            const ControlPoint &P =
+                along_u ? s->net->Pw[i][span - deg + j] : s->net->Pw[span - deg + j][i];
             x += N[j] * P.x;
             y += N[j] * P.y;
             z.add(N[j], P.z);
@@ -281,14 +284,12 @@ void each_iso(const Surface *s, int32_t div, ControlPoint *Q, F f) noexcept {
     for (int dir : {1, 2}) {
         const KnotVector *knt = dir == 1 ? s->knv : s->knu;
         const int deg = dir == 1 ? s->q : s->p;
-        for (int32_t j = deg; j <= knt->m - deg - 1; ++j) {
-            const double a = knt->U[j], b = knt->U[j + 1];
-            if (!(a < b)) continue;
+        each_span(knt->U, deg, knt->m - deg - 1, [&](int32_t, double a, double b) {
             for (int32_t d = 0; d < div; ++d) {
                 iso_curve(s, dir, a + (b - a) * d / div, Q, &pol, &iso);
                 f(&iso);
             }
-        }
+        });
         iso_curve(s, dir, knt->U[knt->m], Q, &pol, &iso);
         f(&iso);
     }
@@ -314,17 +315,24 @@ int16_t U_cursvg(Curve *const *cur, int32_t k, int16_t view, int16_t poly, const
     ControlPoint *Q = S_getc1d(most, scratch.get());
     if (!Q) return 1;
     Projection proj(view, Q);
-    auto point = [&](int32_t c) { return [&, c](int32_t i) { return proj.point(cur[c]->pol->Pw[i]); }; };
+    auto point = [&](int32_t c) {
+        return [&, c](int32_t i) { return proj.point(cur[c]->pol->Pw[i]); };
+    };
     auto hold = [&](Page &page) {
         for (int32_t c = 0; c <= k; ++c) {
             proj.hold(page, cur[c]);
-            for (int32_t i = 0; poly && i <= cur[c]->pol->n; ++i) page.hold(point(c)(i).x, point(c)(i).y);
+            for (int32_t i = 0; poly && i <= cur[c]->pol->n; ++i)
+                page.hold(point(c)(i).x, point(c)(i).y);
         }
     };
     auto body = [&](Page &page) {
-        if (poly)
-            control(page, [&] { for (int32_t c = 0; c <= k; ++c) polyline(page, point(c), cur[c]->pol->n); },
-                    [&] { for (int32_t c = 0; c <= k; ++c) dots(page, point(c), cur[c]->pol->n); });
+        auto lines = [&] {
+            for (int32_t c = 0; c <= k; ++c) polyline(page, point(c), cur[c]->pol->n);
+        };
+        auto points = [&] {
+            for (int32_t c = 0; c <= k; ++c) dots(page, point(c), cur[c]->pol->n);
+        };
+        if (poly) control(page, lines, points);
         page.text(kGeometryStyle);
         for (int32_t c = 0; c <= k; ++c) draw_curve(page, proj.of(cur[c]), kPalette[c % kColours]);
         page.text("</g>\n");
@@ -350,25 +358,34 @@ int16_t U_sursvg(Surface *const *sur, int32_t k, int16_t view, int16_t poly, int
         for (int32_t c = 0; c <= k; ++c) {
             each_iso(sur[c], div, Q, [&](const Curve *iso) { proj.hold(page, iso); });
             for (int32_t i = 0; poly && i <= net(c)->n; ++i)
-                for (int32_t j = 0; j <= net(c)->m; ++j) page.hold(point(c, i, j).x, point(c, i, j).y);
+                for (int32_t j = 0; j <= net(c)->m; ++j)
+                    page.hold(point(c, i, j).x, point(c, i, j).y);
         }
     };
     auto body = [&](Page &page) {
         auto lines = [&] {
             for (int32_t c = 0; c <= k; ++c) {
                 const int32_t n = net(c)->n, m = net(c)->m;
-                for (int32_t i = 0; i <= n; ++i) polyline(page, [&](int32_t j) { return point(c, i, j); }, m);
-                for (int32_t j = 0; j <= m; ++j) polyline(page, [&](int32_t i) { return point(c, i, j); }, n);
+                for (int32_t i = 0; i <= n; ++i)
+                    polyline(
+                        page, [&](int32_t j) { return point(c, i, j); }, m);
+                for (int32_t j = 0; j <= m; ++j)
+                    polyline(
+                        page, [&](int32_t i) { return point(c, i, j); }, n);
             }
         };
         auto points = [&] {
             for (int32_t c = 0; c <= k; ++c)
-                for (int32_t i = 0; i <= net(c)->n; ++i) dots(page, [&](int32_t j) { return point(c, i, j); }, net(c)->m);
+                for (int32_t i = 0; i <= net(c)->n; ++i)
+                    dots(
+                        page, [&](int32_t j) { return point(c, i, j); }, net(c)->m);
         };
         if (poly) control(page, lines, points);
         page.text(kGeometryStyle);
         for (int32_t c = 0; c <= k; ++c)
-            each_iso(sur[c], div, Q, [&](const Curve *iso) { draw_curve(page, proj.of(iso), kPalette[c % kColours]); });
+            each_iso(sur[c], div, Q, [&](const Curve *iso) {
+                draw_curve(page, proj.of(iso), kPalette[c % kColours]);
+            });
         page.text("</g>\n");
     };
     return draw(file, hold, body, name);

@@ -13,7 +13,9 @@ namespace kw {
 
 struct Hom {
     double x, y, z, w;
-    constexpr double operator[](int c) const noexcept { return c == 0 ? x : c == 1 ? y : c == 2 ? z : w; }
+    constexpr double operator[](int c) const noexcept {
+        return c == 0 ? x : c == 1 ? y : c == 2 ? z : w;
+    }
     // The Cartesian coordinate c.
     constexpr double cartesian(int c) const noexcept { return (*this)[c] / w; }
 };
@@ -51,6 +53,21 @@ void bezier_piece(const double *U, int p, int32_t span, Points P, Hom *Q) noexce
         }
         Q[k] = d[p];
     }
+}
+
+// f(span, a, b) for each span [a, b] = [U[span], U[span+1]] of non-zero
+// length of a B-spline of degree p with coefficients 0..n.
+template <class F>
+void each_span(const double *U, int p, int32_t n, F f) noexcept {
+    for (int32_t s = p; s <= n; ++s)
+        if (U[s] < U[s + 1]) f(s, U[s], U[s + 1]);
+}
+
+// Q[0..p] := the Bezier piece of a curve over its span [U[span], U[span+1]].
+inline void curve_piece(const Curve *cur, int32_t span, Hom *Q) noexcept {
+    const ControlPoint *Pw = cur->pol->Pw + span - cur->p;
+    bezier_piece(
+        cur->knt->U, cur->p, span, [Pw](int j) { return homogeneous(Pw[j]); }, Q);
 }
 
 // The halves over [0, 1/2] and [1/2, 1] of the Bezier values c[0..d] taken

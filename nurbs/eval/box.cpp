@@ -142,32 +142,26 @@ struct Extremes {
             hi[c] = std::max(hi[c], v[c]);
         }
     }
-    void put(Box *box) const noexcept {
-        *box = Box{lo[0], hi[0], lo[1], hi[1], lo[2], hi[2]};
-    }
+    void put(Box *box) const noexcept { *box = Box{lo[0], hi[0], lo[1], hi[1], lo[2], hi[2]}; }
 };
 
 void curve_box(const Curve *cur, Box *box) noexcept {
-    const ControlPoint *Pw = cur->pol->Pw;
-    const double *U = cur->knt->U;
     const int p = cur->p;
-    const bool weighted = rational(Pw[0]);
-    const int dims = planar(Pw[0]) ? 2 : 3;
+    const bool weighted = rational(cur->pol->Pw[0]);
+    const int dims = planar(cur->pol->Pw[0]) ? 2 : 3;
     Extremes e;
     auto take = [&](double u, int16_t side) {
         Point C;
         N_curevn(cur, u, side, &C);
         e.add(C);
     };
-    for (int32_t s = p; s <= cur->pol->n; ++s) {
-        const double a = U[s], b = U[s + 1];
-        if (!(a < b)) continue;
+    each_span(cur->knt->U, p, cur->pol->n, [&](int32_t s, double a, double b) {
         take(a, KW_RIGHT);
         take(b, KW_LEFT);
         // A piece of degree 1 is monotone in every coordinate.
-        if (p < 2) continue;
+        if (p < 2) return;
         Hom Q[kTable];
-        bezier_piece(U, p, s, [&](int j) { return homogeneous(Pw[s - p + j]); }, Q);
+        curve_piece(cur, s, Q);
         auto found = [&](double t) { take(std::min(b, a + t * (b - a)), KW_RIGHT); };
         for (int c = 0; c < dims; ++c) {
             double D[kBernstein + 1];
@@ -175,7 +169,7 @@ void curve_box(const Curve *cur, Box *box) noexcept {
             f.d = derivative_numerator(Q, p, c, weighted, D, &f.zero);
             zeros(f, D, 0.0, 1.0, 0, found);
         }
-    }
+    });
     e.put(box);
     if (dims == 2) box->zmin = box->zmax = 0.0;
 }
@@ -267,7 +261,10 @@ void push_side(const Patch &P, const Hom *h, const Side &g, double tol, Hom *slo
             continue;
         }
         const double bu = bend(P, cur, g, 0), bv = bend(P, cur, g, 1);
-        const int dir = bu > bv ? 0 : bv > bu ? 1 : spread(P, cur, g, 0) >= spread(P, cur, g, 1) ? 0 : 1;
+        const int dir = bu > bv                                        ? 0
+                        : bv > bu                                      ? 1
+                        : spread(P, cur, g, 0) >= spread(P, cur, g, 1) ? 0
+                                                                       : 1;
         split(P, cur, dir, cur, cur + cells);
         depth[top - 1] = depth[top] = d + 1;
         ++top;
@@ -302,24 +299,23 @@ int16_t surface_box(const Surface *sur, Box *box) noexcept {
     std::fill_n(best, 6, -DBL_MAX);
     std::fill_n(bound, 6, -DBL_MAX);
 
-    for (int32_t su = P.p; su <= n; ++su) {
-        if (!(U[su] < U[su + 1])) continue;
-        for (int32_t sv = P.q; sv <= m; ++sv) {
-            if (!(V[sv] < V[sv + 1])) continue;
+    each_span(U, P.p, n, [&](int32_t su, double, double) {
+        each_span(V, P.q, m, [&](int32_t sv, double, double) {
             // Along u in each column of the block, then along v in each row.
             for (int j = 0; j <= P.q; ++j) {
                 Hom Q[kTable];
-                bezier_piece(U, P.p, su,
-                             [&](int i) { return homogeneous(Pw[su - P.p + i][sv - P.q + j]); }, Q);
+                auto column = [&](int i) { return homogeneous(Pw[su - P.p + i][sv - P.q + j]); };
+                bezier_piece(U, P.p, su, column, Q);
                 for (int i = 0; i <= P.p; ++i) work[P.at(i, j)] = Q[i];
             }
-            for (int i = 0; i <= P.p; ++i)
-                bezier_piece(V, P.q, sv, [&](int j) { return work[P.at(i, j)]; },
-                             patch + P.at(i, 0));
+            for (int i = 0; i <= P.p; ++i) {
+                auto row = [&](int j) { return work[P.at(i, j)]; };
+                bezier_piece(V, P.q, sv, row, patch + P.at(i, 0));
+            }
             for (int k = 0; k < 6; ++k)
                 push_side(P, patch, Side(k), tol[k / 2], slots, &best[k], &bound[k]);
-        }
-    }
+        });
+    });
     double ext[6];
     for (int k = 0; k < 6; ++k) {
         const double v = std::max(best[k], bound[k]);

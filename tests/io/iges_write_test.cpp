@@ -13,66 +13,35 @@ using namespace kwt;
 
 namespace {
 
-// Weights that seven decimals hold exactly, so that files give back what
-// was written to their twelve decimals.
-void exact_weights(ControlPoint *P, int64_t count) {
-    for (int64_t i = 0; i < count; ++i)
-        if (P[i].w != KW_NONRATIONAL) {
-            ControlPoint E;
-            A_euccpt(P[i], &E);
-            E.w = std::round(8.0 * P[i].w) / 8.0;
-            A_weight(E, &P[i]);
-        }
+// Agreement to the files' twelve decimals.
+void expect_near(const Point &A, const Point &B) {
+    EXPECT_NEAR(A.x, B.x, 6e-13);
+    EXPECT_NEAR(A.y, B.y, 6e-13);
+    EXPECT_NEAR(A.z, B.z, 6e-13);
 }
 
-Curve *new_curve(int kind, int32_t n, int16_t p, std::mt19937_64 &rng, StorageStacks *stk) {
-    Curve *c = S_getcus(stk);
-    random_curve(c, kind, n, p, rng, stk);
-    exact_weights(c->pol->Pw, n + 1);
-    return c;
+void expect_same(const ControlPoint &a, const ControlPoint &b) {
+    expect_near(kw::euclid(a), kw::euclid(b));
+    EXPECT_TRUE(kw::planar(a) == kw::planar(b) && a.w == b.w);
 }
 
-Surface *new_surface(bool rational, int32_t n, int32_t m, int16_t p, int16_t q, std::mt19937_64 &rng,
-                     StorageStacks *stk) {
-    Surface *s = S_getsus(stk);
-    U_inisur(s);
-    EXPECT_EQ(U_surchk(s, n, m, p, q, n + p + 1, m + q + 1, const_cast<char *>("TEST"), stk), 0);
-    std::uniform_real_distribution<double> coord(-10.0, 10.0), weight(0.5, 2.0);
-    for (int32_t i = 0; i <= n; ++i)
-        for (int32_t j = 0; j <= m; ++j)
-            A_weight(ControlPoint{coord(rng), coord(rng), coord(rng), rational ? weight(rng) : KW_NONRATIONAL},
-                     &s->net->Pw[i][j]);
-    exact_weights(s->net->Pw[0], (n + 1) * (m + 1));
-    uniform_knots(s->knu->U, n, p);
-    uniform_knots(s->knv->U, m, q);
-    return s;
-}
-
-void expect_near(const ControlPoint &a, const ControlPoint &b, double tol = 6e-13) {
-    Point A, B;
-    A_euclid(a, &A);
-    A_euclid(b, &B);
-    EXPECT_NEAR(A.x, B.x, tol);
-    EXPECT_NEAR(A.y, B.y, tol);
-    EXPECT_NEAR(A.z, B.z, tol);
-    EXPECT_EQ(a.z == KW_PLANAR, b.z == KW_PLANAR);
-    EXPECT_EQ(a.w, b.w);
+void expect_same(const KnotVector *a, const KnotVector *b) {
+    ASSERT_EQ(a->m, b->m);
+    for (int32_t j = 0; j <= a->m; ++j) EXPECT_NEAR(a->U[j], b->U[j], 6e-13);
 }
 
 void expect_same(const Curve *a, const Curve *b) {
-    ASSERT_EQ(a->pol->n, b->pol->n);
-    ASSERT_EQ(a->p, b->p);
-    for (int32_t i = 0; i <= a->pol->n; ++i) expect_near(a->pol->Pw[i], b->pol->Pw[i]);
-    for (int32_t j = 0; j <= a->knt->m; ++j) EXPECT_NEAR(a->knt->U[j], b->knt->U[j], 6e-13);
+    ASSERT_TRUE(a->pol->n == b->pol->n && a->p == b->p);
+    for (int32_t i = 0; i <= a->pol->n; ++i) expect_same(a->pol->Pw[i], b->pol->Pw[i]);
+    expect_same(a->knt, b->knt);
 }
 
 void expect_same(const Surface *a, const Surface *b) {
-    ASSERT_EQ(a->net->n, b->net->n);
-    ASSERT_EQ(a->net->m, b->net->m);
+    ASSERT_TRUE(a->net->n == b->net->n && a->net->m == b->net->m && a->p == b->p && a->q == b->q);
     for (int32_t i = 0; i <= a->net->n; ++i)
-        for (int32_t j = 0; j <= a->net->m; ++j) expect_near(a->net->Pw[i][j], b->net->Pw[i][j]);
-    for (int32_t j = 0; j <= a->knu->m; ++j) EXPECT_NEAR(a->knu->U[j], b->knu->U[j], 6e-13);
-    for (int32_t j = 0; j <= a->knv->m; ++j) EXPECT_NEAR(a->knv->U[j], b->knv->U[j], 6e-13);
+        for (int32_t j = 0; j <= a->net->m; ++j) expect_same(a->net->Pw[i][j], b->net->Pw[i][j]);
+    expect_same(a->knu, b->knu);
+    expect_same(a->knv, b->knv);
 }
 
 // What U_inpigs gives back from a file.
@@ -169,7 +138,7 @@ TEST(IgesWrite, FlagsColoursAndGreatestCoordinate) {
     Stacks stk;
     std::mt19937_64 rng(11);
     std::vector<Curve *> cur;
-    for (int i = 0; i < 9; ++i) cur.push_back(new_curve(1 + i % 4, 4, 3, rng, stk.get()));
+    for (int i = 0; i < 9; ++i) cur.push_back(quarter_weighted(1 + i % 4, 4, 3, rng, stk.get()));
     for (int i = 0; i <= 4; ++i) cur[3]->pol->Pw[i].w = 1.0;  // rational, all weights 1.0
     cur[4]->pol->Pw[4] = cur[4]->pol->Pw[0];                     // closed
     TempFile file;
@@ -196,16 +165,10 @@ TEST(IgesWrite, FlagsColoursAndGreatestCoordinate) {
 }
 
 TEST(IgesWrite, EveryWriterReadsBack) {
-    Stacks stk;
-    std::mt19937_64 rng(17);
-    std::vector<Curve *> cur;
-    for (int kind = 1; kind <= 4; ++kind)
-        for (int16_t p : {1, 2, 3, 5}) cur.push_back(new_curve(kind, p + 4, p, rng, stk.get()));
-    std::vector<Surface *> sur = {new_surface(false, 3, 4, 2, 3, rng, stk.get()),
-                                  new_surface(true, 4, 2, 3, 1, rng, stk.get())};
+    const Written w;
+    const std::vector<Curve *> &cur = w.cur;
+    const std::vector<Surface *> &sur = w.sur;
     const int32_t nc = static_cast<int32_t>(cur.size()) - 1;
-    const Point lin[4] = {{0, 0, 0}, {1, 2, 3}, {-4, 5.5, 0}, {7, 8, -9}};
-    const Written w(cur, sur, lin);
     const ReadBack c(w.curves.path()), s(w.surfaces.path()), x(w.mixed.path()), pg(w.polygons.path()), nt(w.nets.path());
     ASSERT_EQ(c.nc, nc);
     for (int32_t i = 0; i <= nc; ++i) expect_same(c.cur[i], cur[i]);
@@ -213,29 +176,20 @@ TEST(IgesWrite, EveryWriterReadsBack) {
     for (int i = 0; i < 2; ++i) expect_same(s.sur[i], sur[i]);
     ASSERT_EQ(x.nc, 3);
     ASSERT_EQ(x.ns, 0);
-    for (int i = 0; i < 4; ++i) expect_near(x.cur[i / 2]->pol->Pw[i % 2], ControlPoint{lin[i].x, lin[i].y, lin[i].z, KW_NONRATIONAL});
+    for (int i = 0; i < 4; ++i) expect_near(kw::euclid(x.cur[i / 2]->pol->Pw[i % 2]), w.lin[i]);
     expect_same(x.cur[2], cur[0]);
     expect_same(x.cur[3], cur[1]);
     expect_same(x.sur[0], sur[1]);
     // Polygons and nets come back as polylines through the Cartesian points.
     auto polyline = [](const Curve *c, auto point, int32_t n) {
-        ASSERT_EQ(c->p, 1);
-        ASSERT_EQ(c->pol->n, n);
-        for (int32_t i = 0; i <= n; ++i) {
-            ControlPoint E;
-            A_euccpt(point(i), &E);
-            expect_near(c->pol->Pw[i], E);
-        }
+        ASSERT_TRUE(c->p == 1 && c->pol->n == n);
+        for (int32_t i = 0; i <= n; ++i) expect_same(c->pol->Pw[i], kw::euclid_cp(point(i)));
     };
     ASSERT_EQ(pg.nc, nc);
     for (int32_t i = 0; i <= nc; ++i) polyline(pg.cur[i], [&](int32_t k) { return cur[i]->pol->Pw[k]; }, cur[i]->pol->n);
-    ASSERT_EQ(nt.nc, (4 + 5) + (5 + 3) - 1);
+    ASSERT_EQ(nt.nc, (4 + 5) + (5 + 4) - 1);
     int32_t at = 0;
-    for (const Surface *f : sur) {
-        const ControlNet *net = f->net;
-        for (int32_t i = 0; i <= net->n; ++i) polyline(nt.cur[at++], [&](int32_t k) { return net->Pw[i][k]; }, net->m);
-        for (int32_t j = 0; j <= net->m; ++j) polyline(nt.cur[at++], [&](int32_t k) { return net->Pw[k][j]; }, net->n);
-    }
+    w.each_net_line([&](auto point, int32_t n) { polyline(nt.cur[at++], point, n); });
     // Points and polylines are entities the reader passes over.
     for (const TempFile *f : {&w.points, &w.path}) {
         const ReadBack p(f->path());
@@ -247,8 +201,8 @@ TEST(IgesWrite, EveryWriterReadsBack) {
 TEST(IgesWrite, RefusalsLeaveTheFileAlone) {
     Stacks stk;
     std::mt19937_64 rng(23);
-    Curve *c = new_curve(2, 4, 3, rng, stk.get());
-    Surface *s = new_surface(true, 2, 2, 2, 2, rng, stk.get());
+    Curve *c = quarter_weighted(2, 4, 3, rng, stk.get());
+    Surface *s = kwtest::wavy_surface(true, 2, 2, 2, 2, stk.get());
     TempFile file("before");
     auto refused = [&](int16_t status, int code, const char *name) {
         EXPECT_EQ(status, 1);
@@ -282,8 +236,8 @@ TEST(IgesWrite, AllocationFailures) {
     auto prepare = [&](bool mixed) {
         return [&, mixed](StorageStacks *stk) {
             std::mt19937_64 rng(29);
-            Surface *s = new_surface(true, 2, 3, 2, 2, rng, stk);
-            Curve *c = new_curve(4, 3, 2, rng, stk);
+            Surface *s = kwtest::wavy_surface(true, 2, 3, 2, 2, stk);
+            Curve *c = quarter_weighted(4, 3, 2, rng, stk);
             std::remove(file.path());
             return std::function<int()>([=, &file] {
                 Surface *sa[] = {s};

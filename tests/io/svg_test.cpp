@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/fault_sweep.hpp"
+#include "nurbs/eval/shapes.hpp"
 #include "support.hpp"
 
 using namespace kwt;
@@ -25,23 +26,13 @@ std::vector<std::pair<double, double>> pairs(const std::string &s) {
     return v;
 }
 
-// A circle of radius 1 about (0, 0) in three rational arcs, 2-D.
-void circle(Curve *c, StorageStacks *stk) {
-    U_inicur(c);
-    ASSERT_EQ(U_curchk(c, 6, 2, 9, const_cast<char *>("TEST"), stk), 0);
-    const double r3 = std::sqrt(3.0), U[10] = {0, 0, 0, 1. / 3, 1. / 3, 2. / 3, 2. / 3, 1, 1, 1};
-    const double P[7][3] = {{1, 0, 1}, {1, r3, 0.5}, {-0.5, r3 / 2, 1}, {-2, 0, 0.5}, {-0.5, -r3 / 2, 1}, {1, -r3, 0.5}, {1, 0, 1}};
-    for (int i = 0; i < 7; ++i) A_weight(ControlPoint{P[i][0], P[i][1], KW_PLANAR, P[i][2]}, &c->pol->Pw[i]);
-    std::copy_n(U, 10, c->knt->U);
-}
-
 }  // namespace
 
 TEST(Svg, CurvesFitThePageAndStayWithinTheFlatness) {
     Stacks stk;
     std::mt19937_64 rng(3);
     Curve ring, cubic;
-    circle(&ring, stk.get());
+    kwtest::three_arc_circle(&ring, 0, 0, stk.get());
     random_curve(&cubic, 2, 5, 3, rng, stk.get());
     Curve *cur[] = {&ring, &cubic};
     for (int16_t view = 1; view <= 4; ++view) {
@@ -106,7 +97,7 @@ TEST(Svg, SurfacesByIsoCurvesAndNets) {
 TEST(Svg, Refusals) {
     Stacks stk;
     Curve ring;
-    circle(&ring, stk.get());
+    kwtest::three_arc_circle(&ring, 0, 0, stk.get());
     Curve *cur[] = {&ring};
     Surface *none[] = {nullptr};
     TempFile file("before");
