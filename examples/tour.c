@@ -94,6 +94,48 @@ static void curve_tour(Curve *cur, StorageStacks *stk) {
     printf("  largest distance to the original over 1001 parameters: %.1e\n", worst);
 }
 
+/* A quarter cylinder of radius 2 and height 3: a rational quadratic arc in u
+   swept along z in v. Its unit normal is the radial direction. */
+static void surface_tour(StorageStacks *stk) {
+    const double arc[3][3] = {{2.0, 0.0, 1.0}, {2.0, 2.0, 0.7071067811865476}, {0.0, 2.0, 1.0}};
+    static double U[6] = {0.0, 0.0, 0.0, 1.0, 1.0, 1.0}, V[4] = {0.0, 0.0, 1.0, 1.0};
+    static ControlPoint net[3][2];
+    ControlPoint *rows[3];
+    Point d[2][2], *drows[2];
+    PointMatrix SKL;
+    Surface sur;
+    int i, j;
+
+    printf("\n3. A surface: points, first derivatives and normals\n");
+    for (i = 0; i < 3; i++) {
+        rows[i] = net[i];
+        for (j = 0; j < 2; j++) {
+            ControlPoint C;
+            A_initcp(arc[i][0], arc[i][1], 3.0 * j, arc[i][2], &C);
+            A_weight(C, &net[i][j]);
+        }
+    }
+    drows[0] = d[0];
+    drows[1] = d[1];
+    report("wrap a quarter cylinder around a 3 x 2 net", U_maksu2(&sur, rows, 2, 1, 2, 1, U, V, 5, 3, stk));
+    report("validate it", E_surinp(&sur, "TOUR"));
+    M_makpma(&SKL, 1, 1, drows, KW_FULL, 1); /* caller's storage for the partials to (1, 1) */
+    for (i = 0; i <= 2; i++) {
+        const double u = 0.5 * i, v = 0.25;
+        Point S, Su, Sv, N;
+        /* mode 1 with ku == kv == 1: S, S_u and S_v */
+        if (N_surevn(&sur, u, v, KW_RIGHT, KW_RIGHT, &S) ||
+            N_surder(&sur, u, v, KW_RIGHT, KW_RIGHT, 1, 1, 1, &SKL) ||
+            N_surnor(&sur, u, v, KW_RIGHT, KW_RIGHT, &S, &Su, &Sv, &N, stk))
+            report("evaluate the surface", 1);
+        printf("  S(%.2f, %.2f) = (%.4f, %.4f, %.4f), distance from the axis %.12f\n", u, v,
+               S.x + 0.0, S.y + 0.0, S.z + 0.0, sqrt(S.x * S.x + S.y * S.y));
+        printf("    S_u = (%.4f, %.4f, %.4f)  S_v = (%.4f, %.4f, %.4f)\n", d[1][0].x + 0.0,
+               d[1][0].y + 0.0, d[1][0].z + 0.0, d[0][1].x + 0.0, d[0][1].y + 0.0, d[0][1].z + 0.0);
+        printf("    unit normal = (%.4f, %.4f, %.4f)\n", N.x + 0.0, N.y + 0.0, N.z + 0.0);
+    }
+}
+
 int main(int argc, char **argv) {
     StorageStacks stk;
     Curve cur, copy, big;
@@ -129,8 +171,9 @@ int main(int argc, char **argv) {
                E_errnam());
 
     curve_tour(&cur, &stk);
+    surface_tour(&stk);
 
-    printf("\n3. What the context holds\n");
+    printf("\n4. What the context holds\n");
     U_shwstk(&stk);
     U_kilcur(&big, &stk);
     U_kilsur(&surcopy, &stk);

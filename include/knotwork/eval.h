@@ -55,6 +55,37 @@ KW_API int16_t N_cfndrk(const CurveFunction *cfn, int32_t j, double u, int16_t k
    13; 11 when f(u) = 0. */
 KW_API int16_t N_cfnrbf(const CurveFunction *cfn, int32_t i, double u, int16_t side, double *R);
 
+/* ---- Surfaces ---------------------------------------------------------
+
+   (u, v) must lie in the knot ranges of the two directions (6); sideu and
+   sidev are the sides of the two span searches. A surface whose parts do
+   not agree records 2 (r != n + p + 1 or s != m + q + 1), 3 or 4 as a curve
+   does. */
+
+/* *S := the Cartesian point S(u, v). Allocates nothing; sides as
+   N_curevn. */
+KW_API int16_t N_surevn(const Surface *sur, double u, double v, int16_t sideu, int16_t sidev,
+                        Point *S);
+/* SKL->a[k][l] := the partial derivative of order k in u and l in v: for
+   k + l <= ku when mode is 1 and ku == kv (the other entries untouched),
+   else for the whole rectangle 0..ku by 0..kv. SKL must be a non-banded
+   matrix of at least ku + 1 rows and kv + 1 columns (14 when it has no
+   data or is banded, 9 when it is too small); its counts are left as they
+   are. Rational surfaces through the derivatives of their rational basis
+   functions (N_kntasd). 20 unless 0 <= ku, kv <= KW_MAX_ORDER; 13 under
+   "N_KNTFSP" for a bad side; the work table comes from the general heap
+   (15 under "N_SURDER"). */
+KW_API int16_t N_surder(const Surface *sur, double u, double v, int16_t sideu, int16_t sidev,
+                        int16_t mode, int16_t ku, int16_t kv, PointMatrix *SKL);
+/* *S := S(u, v), *Su and *Sv := the unit tangents along u and v, *N := the
+   unit normal Su x Sv, from N_surder's first partials in a 2 x 2 matrix
+   taken from stk and killed before return. 17 when a tangent is no longer
+   than 0.001 * U_tolpoi or the cross product of the unit tangents no longer
+   than U_tolzer (a collapsed edge, a cusp): no fallback to higher
+   derivatives. Codes of N_surder. */
+KW_API int16_t N_surnor(const Surface *sur, double u, double v, int16_t sideu, int16_t sidev,
+                        Point *S, Point *Su, Point *Sv, Point *N, StorageStacks *stk);
+
 /* ---- Boxes -------------------------------------------------------------- */
 
 /* *box := the extreme coordinates of the curve itself (not of its control

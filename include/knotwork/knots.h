@@ -114,6 +114,28 @@ KW_API void N_kntand(const KnotVector *knt, int16_t p, double *t);
 KW_API int16_t N_kntdkm(const KnotVector *knt, double **values, int32_t **mult, int32_t *k,
                         StorageStacks *stk);
 
+/* ---- Derivatives of surface basis functions ------------------------------
+
+   D is a table D[k][l][i][j] for k = 0..ku, l = 0..kv, i = 0..p, j = 0..q
+   (S_getr4d(ku, kv, p, q, stk) makes one) and receives the derivative of
+   order k in u and l in v of the basis function of control point
+   Pw[su-p+i][sv-q+j]; *su and *sv are the spans of u and v. Orders above a
+   degree give zero rows of that direction's derivatives. 6 for u or v; 13
+   for either side; 20 unless 0 <= ku, kv <= KW_MAX_ORDER. Allocate
+   nothing. */
+
+/* The polynomial basis: products of the derivatives of N[i,p](u) and
+   N[j,q](v). 3 and 4 for either knot vector. */
+KW_API int16_t N_kntabd(const KnotVector *knu, const KnotVector *knv, int16_t p, int16_t q,
+                        double u, double v, int16_t sideu, int16_t sidev, int16_t ku, int16_t kv,
+                        double ****D, int32_t *su, int32_t *sv);
+/* The surface's rational basis N[i](u) N[j](v) w[i][j] / sum N N w, so
+   that D applies to the Cartesian control points; the products of
+   N_kntabd for a non-rational surface. 2, 3 and 4 for a surface whose parts
+   do not agree. */
+KW_API int16_t N_kntasd(const Surface *sur, double u, double v, int16_t sideu, int16_t sidev,
+                        int16_t ku, int16_t kv, double ****D, int32_t *su, int32_t *sv);
+
 KW_END_DECLS
 
 #endif
