@@ -1,5 +1,5 @@
-// Shapes for tests: a surface point summed directly over the homogeneous
-// net, a circle whose extremes lie inside its pieces, and a wavy surface.
+// Shapes for tests: a circle whose extremes lie inside its pieces and a
+// wavy surface; and a surface point.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -27,18 +27,9 @@ inline void three_arc_circle(Curve *c, double cx, double cy, StorageStacks *stk)
 }
 
 inline Point surface_point(const Surface &s, double u, double v) {
-    double Nu[KW_MAX_DEGREE + 1], Nv[KW_MAX_DEGREE + 1];
-    int32_t su, sv;
-    N_kntalb(s.knu, s.p, u, KW_RIGHT, Nu, &su);
-    N_kntalb(s.knv, s.q, v, KW_RIGHT, Nv, &sv);
-    ControlPoint sum{0, 0, 0, 0};
-    for (int i = 0; i <= s.p; ++i)
-        for (int j = 0; j <= s.q; ++j) {
-            ControlPoint P = s.net->Pw[su - s.p + i][sv - s.q + j];
-            if (P.w == KW_NONRATIONAL) P.w = 1.0;
-            sum = kw::sum(sum, kw::scale(Nu[i] * Nv[j], P));
-        }
-    return kw::euclid(sum);
+    Point S;
+    EXPECT_EQ(N_surevn(&s, u, v, KW_RIGHT, KW_RIGHT, &S), 0);
+    return S;
 }
 
 // A surface over (1.5 i, -2 j, sin(i + 0.7 j)) on clamped uniform knots over
