@@ -117,9 +117,9 @@ KW_API void U_prtpau(void (*pause)(void));
 
 /* ---- Pictures ------------------------------------------------------------
    SVG pictures of curves and surfaces, to look at them: a white page 800
-   pixels wide and at most 800 high, the projection of the control points
-   (which hold the geometry) fitted into it with a margin of 20 pixels, and
-   no legend. view: 1 the xy plane (x to the right, y up), 2 the xz plane,
+   pixels wide and at most 800 high, what is drawn fitted into it with a
+   margin of 20 pixels (curves by the boxes of their projections, N_curbox),
+   and no legend. view: 1 the xy plane (x to the right, y up), 2 the xz plane,
    3 the yz plane, 4 the isometric view with z up (x towards the lower
    left, y towards the lower right). Each object gets a colour of its own,
    in turn from a palette of eight. A polynomial curve of degree 3 or less
