@@ -86,23 +86,6 @@ TEST(Kills, FreeExactlyTheirBlocks) {
     EXPECT_EQ(census(s), nodes_on({{KW_LIST_CUR, 1}, {KW_LIST_CFN, 1}, {KW_LIST_SUR, 1}, {KW_LIST_SFN, 1}}));
 }
 
-TEST(Contexts, EmptyCompletelyAndCanBeReused) {
-    StorageStacks stk;
-    N_inurbs(&stk);
-    N_enurbs(&stk);
-    EXPECT_TRUE(all_empty(&stk));
-    for (int round = 0; round < 2; ++round) {
-        S_getsf3(1, 1, 1, 1, 3, 3, 1, 1, &stk);
-        S_getss3(1, 1, 1, 1, 3, 3, 0, 1, &stk);
-        S_getr4d(1, 1, 1, 1, &stk);
-        S_getc2p(1, 1, &stk);
-        S_getcma(1, 1, KW_BANDED, 3, &stk);
-        EXPECT_FALSE(all_empty(&stk));
-        N_enurbs(&stk);
-        EXPECT_TRUE(all_empty(&stk));
-    }
-}
-
 TEST(Contexts, ShowPrintsEachLabelledListAsStars) {
     static const char *labels[] = {"f1d", "f2d", "i1d", "i2d", "i3d", "r1d", "r2d", "r3d", "r4d", "p1d", "p2d",
                                    "p3d", "c1d", "c2d", "c3d", "cur", "cu2", "cu3", "cu4", "sur", "su2", "su3",
