@@ -14,46 +14,35 @@ using CP = ControlPoint;
 constexpr double M = kPlanar, NR = kNonRational;
 char caller[] = "N_CALLER";
 
-void add(std::vector<double *> &v, CP &c) { v.insert(v.end(), {&c.x, &c.y, &c.z, &c.w}); }
-void add(std::vector<double *> &v, const KnotVector *k) {
-    for (int32_t i = 0; i <= k->m; ++i) v.push_back(&k->U[i]);
-}
-
-// Curves and surfaces seen alike (the function records share their code).
+// Curves and surfaces seen alike (the function records share their code);
+// blocks() lists the stored doubles, row by row.
+using Blocks = std::vector<std::pair<double *, int32_t>>;
 struct CurveKind {
     using R = Curve;
     static constexpr const char *copy_name = "U_CURCOP";
-    static R *get(int k, StorageStacks *s) { return S_getcur(2 + k, 2, 5 + k, s); }
-    static int16_t chk(R *r, const R *like, StorageStacks *s) { return U_curchk(r, like->pol->n, like->p, like->knt->m, caller, s); }
-    static std::vector<int32_t> counts(const R *r) { return {r->pol->n, r->p, r->knt->m}; }
-    static std::vector<double *> values(const R *r) {
-        std::vector<double *> v;
-        for (int32_t i = 0; i <= r->pol->n; ++i) add(v, r->pol->Pw[i]);
-        add(v, r->knt);
-        return v;
-    }
-    static std::vector<const void *> arrays(const R *r) { return {r->pol->Pw, r->knt->U}; }
     static constexpr auto copy = U_curcop, compact = U_curcmp, ini = U_inicur;
+    static R *get(int k, StorageStacks *s) { return S_getcur(2 + k, 2, 5 + k, s); }
+    static int16_t chk(R *r, const R *l, StorageStacks *s) { return U_curchk(r, l->pol->n, l->p, l->knt->m, caller, s); }
+    static std::vector<int32_t> counts(const R *r) { return {r->pol->n, r->p, r->knt->m}; }
+    static Blocks blocks(const R *r) { return {{&r->pol->Pw->x, 4 * (r->pol->n + 1)}, {r->knt->U, r->knt->m + 1}}; }
+    static std::vector<const void *> arrays(const R *r) { return {r->pol->Pw, r->knt->U}; }
 };
-
 struct SurfaceKind {
     using R = Surface;
     static constexpr const char *copy_name = "U_SURCOP";
+    static constexpr auto copy = U_surcop, compact = U_surcmp, ini = U_inisur;
     static R *get(int k, StorageStacks *s) { return S_getsur(2 + k, 3 + k, 1, 2, 4 + k, 6 + k, s); }
-    static int16_t chk(R *r, const R *like, StorageStacks *s) {
-        return U_surchk(r, like->net->n, like->net->m, like->p, like->q, like->knu->m, like->knv->m, caller, s);
+    static int16_t chk(R *r, const R *l, StorageStacks *s) {
+        return U_surchk(r, l->net->n, l->net->m, l->p, l->q, l->knu->m, l->knv->m, caller, s);
     }
     static std::vector<int32_t> counts(const R *r) { return {r->net->n, r->net->m, r->p, r->q, r->knu->m, r->knv->m}; }
-    static std::vector<double *> values(const R *r) {
-        std::vector<double *> v;
-        for (int32_t i = 0; i <= r->net->n; ++i)
-            for (int32_t j = 0; j <= r->net->m; ++j) add(v, r->net->Pw[i][j]);
-        add(v, r->knu);
-        add(v, r->knv);
-        return v;
+    static Blocks blocks(const R *r) {
+        Blocks b;
+        for (int32_t i = 0; i <= r->net->n; ++i) b.emplace_back(&r->net->Pw[i]->x, 4 * (r->net->m + 1));
+        b.insert(b.end(), {{r->knu->U, r->knu->m + 1}, {r->knv->U, r->knv->m + 1}});
+        return b;
     }
     static std::vector<const void *> arrays(const R *r) { return {r->net->Pw, r->net->Pw[0], r->knu->U, r->knv->U}; }
-    static constexpr auto copy = U_surcop, compact = U_surcmp, ini = U_inisur;
 };
 
 // A copy runs the output check under its own name: an empty destination is
@@ -67,15 +56,15 @@ void copies_and_compacts() {
     StorageStacks *s = stk.get();
     auto filled = [s](int k, double v) {  // distinct values, both markers among them
         R *r = K::get(k, s);
-        for (double *d : K::values(r)) *d = (v += 0.25);
-        *K::values(r)[6] = M;
-        *K::values(r)[11] = NR;
+        for (auto [d, count] : K::blocks(r)) std::generate_n(d, count, [&v] { return v += 0.25; });
+        K::blocks(r)[0].first[6] = M;
+        K::blocks(r)[0].first[11] = NR;
         return r;
     };
     auto contents = [](const R *r) {
         const std::vector<int32_t> n = K::counts(r);
         std::vector<uint64_t> c(n.begin(), n.end());
-        for (const double *d : K::values(r)) c.push_back(bits(*d));
+        for (auto [d, count] : K::blocks(r)) std::transform(d, d + count, std::back_inserter(c), bits);
         return c;
     };
     const R *src = filled(1, 0.0);

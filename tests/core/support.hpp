@@ -88,6 +88,14 @@ inline ::testing::AssertionResult Recorded(int32_t code, const char *name) {
                                          << code << " \"" << name << "\"";
 }
 
+// The call fails with status 1 and records code under the routine's name.
+#define EXPECT_FAILURE(call, code, routine) \
+    do {                                    \
+        E_clrerr();                         \
+        EXPECT_EQ((call), 1);               \
+        EXPECT_TRUE(::kwtest::Recorded(code, routine)); \
+    } while (0)
+
 // Clamped knots 0 .. n - p + 1 of degree p, interior ones at the integers.
 inline std::vector<double> clamped(int32_t n, int16_t p) {
     std::vector<double> U(n + p + 2);

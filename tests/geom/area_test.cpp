@@ -54,8 +54,8 @@ TEST(ImplicitForms, RoundTrip) {
     }
     Line L{};
     Plane pl{};
-    EXPECT_FAILS(G_impln2(0, 0, 1, &L), 11);
-    EXPECT_FAILS(G_imppln(0, 0, 0, 1, &pl), 11);
+    EXPECT_FAILURE(G_impln2(0, 0, 1, &L), 11, "G_IMPLN2");
+    EXPECT_FAILURE(G_imppln(0, 0, 0, 1, &pl), 11, "G_IMPPLN");
 }
 
 TEST(Polygons, OffsetPlaneAndWeights) {
@@ -71,7 +71,7 @@ TEST(Polygons, OffsetPlaneAndWeights) {
         EXPECT_NEAR(result<double>(G_dispnl, a, b, c, Q[i]) + result<double>(G_dispnl, a, b, c, Q[i + 1]), 1.0, 1e-12);
     }
     Point back[3] = {P3(0, 0, 0), P3(2, 0, 0), P3(1, 0, 0)};
-    EXPECT_FAILS(G_poloff(back, 2, 1.0, Q), 11);  // turns back on itself
+    EXPECT_FAILURE(G_poloff(back, 2, 1.0, Q), 11, "G_POLOFF");  // turns back on itself
     EXPECT_POINT_EQ(Q[0], P3(0, 0.5, 0));
     ControlPoint cp[4] = {{0, 0, 1, KW_NONRATIONAL}, {2, 0, 1, KW_NONRATIONAL}, {4, 4, 2, 2}, {0, 2, 1, KW_NONRATIONAL}};
     ControlPolygon pol{3, cp};
@@ -97,7 +97,7 @@ TEST(Circles, ThroughPointsAndOfCurvature) {
     ASSERT_EQ(G_cirder(P3(std::cos(t), std::sin(t), t), P3(-std::sin(t), std::cos(t), 1), P3(-std::cos(t), -std::sin(t), 0), &M, &N, &r), 0);
     EXPECT_NEAR(r, 2.0, 1e-14);
     EXPECT_POINT_NEAR(M, P3(-std::cos(t), -std::sin(t), t), 1e-14);
-    EXPECT_FAILS(G_circer(P3(0, 0, 0), P3(1, 1, 0), P3(3, 3, 0), &M, &N, &r), 11);
-    EXPECT_FAILS(G_sphcer(P3(0, 0, 0), P3(1, 0, 0), P3(0, 1, 0), P3(1, 1, 0), &M, &r), 11);
-    EXPECT_FAILS(G_cirder(P3(0, 0, 0), P3(1, 0, 0), P3(2, 0, 0), &M, &N, &r), 11);
+    EXPECT_FAILURE(G_circer(P3(0, 0, 0), P3(1, 1, 0), P3(3, 3, 0), &M, &N, &r), 11, "G_CIRCER");
+    EXPECT_FAILURE(G_sphcer(P3(0, 0, 0), P3(1, 0, 0), P3(0, 1, 0), P3(1, 1, 0), &M, &r), 11, "G_SPHCER");
+    EXPECT_FAILURE(G_cirder(P3(0, 0, 0), P3(1, 0, 0), P3(2, 0, 0), &M, &N, &r), 11, "G_CIRDER");
 }

@@ -56,9 +56,9 @@ TEST(Intersections, LinesAndPlanesMeetWhereConstructed) {
     G_makln2(&L2, P3(0, 1, 0), P3(-2, 0, 0), 0);
     G_makpln(&A, P3(0, 0, 3), P3(0, 1, 0));
     G_makpln(&B, P3(0, 0, 1), P3(0, -3, 0));
-    EXPECT_FAILS(G_intlnl(&L1, &L2, &X, &s, &t), 11);  // parallel
-    EXPECT_FAILS(G_intlnp(&L1, &A, &X, &t), 11);
-    EXPECT_FAILS(G_intplp(&A, &B, &M), 11);
+    EXPECT_FAILURE(G_intlnl(&L1, &L2, &X, &s, &t), 11, "G_INTLNL");  // parallel
+    EXPECT_FAILURE(G_intlnp(&L1, &A, &X, &t), 11, "G_INTLNP");
+    EXPECT_FAILURE(G_intplp(&A, &B, &M), 11, "G_INTPLP");
     EXPECT_POINT_EQ(X, P3(0, 0, 0));
 }
 
@@ -76,7 +76,7 @@ TEST(Intersections, PolygonsSegmentsAndCircles) {
     double s = 0, t = 0;
     ASSERT_EQ(G_intlsg(P3(0, 0, 3), P3(2, 2, 3), P3(0, 2, 0), P3(2, 0, 0), X, &s, &t), 0);
     EXPECT_POINT_NEAR(X[0], P3(1, 1, 0), 1e-15);
-    EXPECT_FAILS(G_intlsg(P3(0, 0, 0), P3(1, 1, 0), P3(0, 1, 0), P3(1, 2, 0), X, &s, &t), 11);
+    EXPECT_FAILURE(G_intlsg(P3(0, 0, 0), P3(1, 1, 0), P3(0, 1, 0), P3(1, 2, 0), X, &s, &t), 11, "G_INTLSG");
     Random rnd;  // the predicate agrees with the intersection
     for (int i = 0; i < 200; ++i) {
         const Point A = rnd.point(), B = rnd.point(), C = rnd.point(), D = rnd.point();

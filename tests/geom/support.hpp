@@ -18,14 +18,6 @@ inline double dist(Point a, Point b) { return std::hypot(a.x - b.x, a.y - b.y, a
 
 #define EXPECT_POINT_NEAR(a, b, tol) EXPECT_LT(geomtest::dist((a), (b)), (tol))
 #define EXPECT_POINT_EQ(a, b) EXPECT_EQ(geomtest::dist((a), (b)), 0.0)
-// The call fails with status 1 and records code.
-#define EXPECT_FAILS(call, code)       \
-    do {                               \
-        E_clrerr();                    \
-        EXPECT_EQ((call), 1);          \
-        EXPECT_EQ(E_errtyp(), (code)); \
-    } while (0)
-
 // Deterministic random points in a cube of half-width s.
 struct Random {
     std::mt19937 gen{12345};

@@ -205,8 +205,7 @@ TEST(IgesConvert, LinesMatricesSurfacesAndHelpers) {
     Curve line;
     U_inicur(&line);
     const double ends[6] = {1, 2, 3, 4, 5, 6};
-    EXPECT_EQ(N_igs110(ends, 4, &line, stk.get()), 1);
-    EXPECT_EQ(E_errtyp(), KW_EARG);
+    EXPECT_FAILURE(N_igs110(ends, 4, &line, stk.get()), KW_EARG, "N_IGSPNC");
     ASSERT_EQ(N_igs110(ends, 5, &line, stk.get()), 0);
     EXPECT_EQ(E_curinp(&line, test_name), 0);
     RealMatrix T;
@@ -217,11 +216,9 @@ TEST(IgesConvert, LinesMatricesSurfacesAndHelpers) {
     A_trapoi(1, 2, 3, &T, &P);
     EXPECT_TRUE(At(P, 10, 9, 11));
     par[8] = par[9] = par[10] = 0;  // row 2 of R zero: singular
-    EXPECT_EQ(N_igs124(par, 11, &T, stk.get()), 1);
-    EXPECT_EQ(E_errtyp(), KW_ESINGULAR);
+    EXPECT_FAILURE(N_igs124(par, 11, &T, stk.get()), KW_ESINGULAR, "N_IGS124");
     par[0] = INFINITY;
-    EXPECT_EQ(N_igs124(par, 11, &T, stk.get()), 1);
-    EXPECT_EQ(E_errtyp(), KW_EARG);
+    EXPECT_FAILURE(N_igs124(par, 11, &T, stk.get()), KW_EARG, "N_IGS124");
     // A surface's control points are listed with u running fastest.
     std::vector<double> patch = {1, 2, 1, 1, 0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0.5, 1, 1, 1, 2, 1, 1, 1, 2};
     for (int j = 0; j <= 2; ++j)
@@ -234,16 +231,14 @@ TEST(IgesConvert, LinesMatricesSurfacesAndHelpers) {
     ASSERT_TRUE(s.net->n == 1 && s.net->m == 2);
     EXPECT_TRUE(At(Import::euclid(s.net->Pw[1][2]), 1, 2, 21) && s.net->Pw[1][2].w == 2.0 && E_surinp(&s, test_name) == 0);
     patch[3] = 3;  // v degree 3 with three control points
-    EXPECT_EQ(N_igs128(patch.data(), static_cast<int32_t>(patch.size()) - 1, &t, stk.get()), 1);
-    EXPECT_EQ(E_errtyp(), KW_EARG);
+    EXPECT_FAILURE(N_igs128(patch.data(), static_cast<int32_t>(patch.size()) - 1, &t, stk.get()), KW_EARG, "N_IGSPNK");
     int32_t v;
     const double nums[2] = {-0.0, 1e10}, W[2] = {2, 4}, X[6] = {1, 2, 3, 4, 5, 6};
     EXPECT_EQ(N_igspsn(nums, 1, 0, &v), 0);
     EXPECT_EQ(N_igspsn(nums, 1, 1, &v), 1);  // beyond 32 bits
     EXPECT_EQ(N_igspnc(10, 5, 7), 1);
     ControlPoint Pw[2];
-    EXPECT_EQ(N_igsccp(W, X, 1, 5, Pw), 1);
-    EXPECT_EQ(E_errtyp(), KW_ECASE);
+    EXPECT_FAILURE(N_igsccp(W, X, 1, 5, Pw), KW_ECASE, "N_IGSCCP");
     EXPECT_EQ(N_igsccp(nullptr, X, 1, 4, Pw), 1);
     ASSERT_EQ(N_igsccp(W, X, 1, 3, Pw), 0);
     EXPECT_TRUE(Pw[1].x == 16.0 && Pw[1].z == KW_PLANAR && Pw[1].w == 4.0);
@@ -300,10 +295,8 @@ TEST(IgesHostile, MalformedFilesAndTheirCodes) {
     Curve **cur;
     Surface **sur;
     int32_t nc, ns, nm;
-    EXPECT_EQ(U_inpigs(&cur, &nc, &sur, &ns, nullptr, &nm, "no/such/file.igs", stk.get()), 1);
-    EXPECT_EQ(E_errtyp(), KW_EFILE);
-    EXPECT_EQ(U_inpigs(&cur, nullptr, &sur, &ns, nullptr, &nm, "x", stk.get()), 1);
-    EXPECT_EQ(E_errtyp(), KW_EARG);
+    EXPECT_FAILURE(U_inpigs(&cur, &nc, &sur, &ns, nullptr, &nm, "no/such/file.igs", stk.get()), KW_EFILE, "U_INPIGS");
+    EXPECT_FAILURE(U_inpigs(&cur, nullptr, &sur, &ns, nullptr, &nm, "x", stk.get()), KW_EARG, "U_INPIGS");
 }
 
 // Every truncation is refused; a letter anywhere may be taken by comments

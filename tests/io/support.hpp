@@ -12,6 +12,7 @@
 #include <string>
 
 #include "core/alloc.hpp"
+#include "core/support.hpp"
 #include "knotwork.h"
 
 namespace kwt {

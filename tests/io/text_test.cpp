@@ -195,20 +195,15 @@ TEST(TextLayout, OutputRecordsAndRefusals) {
     ASSERT_EQ(U_inpcur(&target, file.path(), 0, stk.get()), 0);
     EXPECT_TRUE(stk.nodes() == held && target.pol->Pw == Pw && target.pol->n == 2 && target.knt->m == 4);
     const ControlPoint before = too_small.pol->Pw[0];
-    EXPECT_EQ(U_inpcur(&too_small, large.path(), 0, stk.get()), 1);
-    EXPECT_TRUE(E_errtyp() == KW_ESTORAGE && error_name() == "U_INPCUP");
+    EXPECT_FAILURE(U_inpcur(&too_small, large.path(), 0, stk.get()), KW_ESTORAGE, "U_INPCUP");
     EXPECT_TRUE(too_small.pol->n == 2 && too_small.pol->Pw[0].x == before.x);
     small.knt->m = 5;  // inconsistent with n + p + 1
-    EXPECT_EQ(U_outcur(&small, kept.path()), 1);
-    EXPECT_TRUE(E_errtyp() == KW_ECURVE && error_name() == "U_OUTCUR");
+    EXPECT_FAILURE(U_outcur(&small, kept.path()), KW_ECURVE, "U_OUTCUR");
     small.knt->m = 4;
-    EXPECT_EQ(U_outcur(&small, "no/such/dir/curve.txt"), 1);
-    EXPECT_EQ(E_errtyp(), KW_EFILE);
-    EXPECT_EQ(U_outcup(&small, nullptr), 1);
-    EXPECT_EQ(E_errtyp(), KW_EFILE);
+    EXPECT_FAILURE(U_outcur(&small, "no/such/dir/curve.txt"), KW_EFILE, "U_OUTCUR");
+    EXPECT_FAILURE(U_outcup(&small, nullptr), KW_EFILE, "U_OUTCUP");
     FILE *read_only = std::fopen(kept.path(), "r");
-    EXPECT_EQ(U_outcup(&small, read_only), 1);
-    EXPECT_TRUE(E_errtyp() == KW_EFILE && error_name() == "U_OUTCUP");
+    EXPECT_FAILURE(U_outcup(&small, read_only), KW_EFILE, "U_OUTCUP");
     std::fclose(read_only);
     Curve *bad[2] = {&small, nullptr};
     EXPECT_EQ(U_outcua(bad, 1, kept.path()), 1);
@@ -254,7 +249,6 @@ TEST(TextPrinters, ConsoleLayoutAndPause) {
     U_prtpau(nullptr);
     EXPECT_EQ(out, "3\n0.0000000000000000\n0.0000000000000000\n1.0000000000000000\n1.0000000000000000\nHit any key to continue...\n");
     EXPECT_EQ(pauses, 1);
-    EXPECT_EQ(U_prtcur(&empty), 1);
-    EXPECT_EQ(E_errtyp(), KW_EARG);
+    EXPECT_FAILURE(U_prtcur(&empty), KW_EARG, "U_PRTCUR");
     EXPECT_EQ(U_prtsur(nullptr), 1);
 }

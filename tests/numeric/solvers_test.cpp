@@ -113,6 +113,10 @@ TEST_F(Solvers, PivotedLuSolvesSystemsThatNeedExchanges) {
     // Scaled candidates 1 and 1: the later row wins the tie.
     ASSERT_EQ(M_ludpiv(&T, piv), 0);
     EXPECT_TRUE(piv[0] == 1 && T.a[0][1] == 2.0);
+    // Row 0's scale moves with it: column 1 then picks row 1, not row 2.
+    RealMatrix W = from({{1, 8, -4}, {-8, -4, 10}, {4, 8, 4}});
+    ASSERT_EQ(M_ludpiv(&W, piv), 0);
+    EXPECT_EQ(std::vector<int32_t>(piv, piv + 3), (std::vector<int32_t>{1, 1, 2}));
     // A zero row stops before any elimination; a dependent row later.
     RealMatrix Z = from({{1, 2, 3}, {2, 3, 4}, {0, 0, 0}}), D = from({{2, 2, 3}, {2, 5, 6}, {4, 7, 9}});
     const Dense before = dense(Z);

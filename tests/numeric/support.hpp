@@ -118,12 +118,4 @@ inline double max_difference(const std::vector<double> &a, const std::vector<dou
     return max_difference(Dense{a}, Dense{b});
 }
 
-// The failure recorded: code and routine name.
-#define EXPECT_FAILURE(call, code, routine) \
-    do {                                    \
-        E_clrerr();                         \
-        EXPECT_EQ((call), 1);               \
-        EXPECT_TRUE(Recorded(code, routine)); \
-    } while (0)
-
 }  // namespace kwtest
