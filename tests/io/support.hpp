@@ -146,4 +146,34 @@ inline void expect_through_text(const Curve *a, const Curve *b) { expect_curve(a
 
 inline std::string error_name() { return E_errnam(); }
 
+// What U_inpigs gives back, on a context of its own.
+struct Import {
+    Stacks stk;
+    Curve **cur = nullptr;
+    Surface **sur = nullptr;
+    RealMatrix mat{-1, -1, nullptr, KW_FULL, 0};
+    int32_t nc = -7, ns = -7, nm = -7;
+    int16_t status = -1;
+
+    explicit Import(const std::string &bytes) {
+        TempFile f(bytes);
+        E_clrerr();
+        status = U_inpigs(&cur, &nc, &sur, &ns, &mat, &nm, f.path(), stk.get());
+    }
+    bool untouched() const { return !cur && !sur && nc == -7 && ns == -7 && nm == -7 && !mat.a && stk.nodes() == 0; }
+    // Every object a valid one.
+    bool valid() const {
+        bool ok = true;
+        for (int32_t c = 0; c <= nc; ++c) ok = ok && E_curinp(cur[c], const_cast<char *>("TEST")) == 0;
+        for (int32_t s = 0; s <= ns; ++s) ok = ok && E_surinp(sur[s], const_cast<char *>("TEST")) == 0;
+        return ok;
+    }
+    Point point(int32_t c, int32_t i) const { return euclid(cur[c]->pol->Pw[i]); }
+    static Point euclid(const ControlPoint &Pw) {
+        Point P;
+        A_euclid(Pw, &P);
+        return P;
+    }
+};
+
 }  // namespace kwt

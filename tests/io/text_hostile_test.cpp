@@ -11,67 +11,24 @@ namespace {
 
 char test_name[] = "TEST";
 
-// The outputs of each reader, in the state a caller passes them, read by the
-// stream form or the file form.
-struct CurveOut {
-    Curve c{nullptr, -1, nullptr};
-    int16_t read(FILE *f, StorageStacks *stk) { return U_inpcup(&c, f, 1, stk); }
-    int16_t read(const char *file, StorageStacks *stk) { return U_inpcur(&c, file, 1, stk); }
-    bool untouched() const { return U_iscurn(&c); }
-};
-struct SurfaceOut {
-    Surface s{nullptr, -1, -1, nullptr, nullptr};
-    int16_t read(FILE *f, StorageStacks *stk) { return U_inpsup(&s, f, 1, stk); }
-    int16_t read(const char *file, StorageStacks *stk) { return U_inpsur(&s, file, 1, stk); }
-    bool untouched() const { return U_issurn(&s); }
-};
-struct PointsOut {
-    Point sentinel, *P = &sentinel;
-    int32_t n = -7;
-    int16_t read(FILE *f, StorageStacks *stk) { return U_inpp1s(&P, &n, f, stk); }
-    int16_t read(const char *file, StorageStacks *stk) { return U_inpp1d(&P, &n, file, stk); }
-    bool untouched() const { return P == &sentinel && n == -7; }
-};
-struct GridOut {
-    Point sentinel, *row = &sentinel, **P = &row;
-    int32_t n = -7, m = -7;
-    int16_t read(FILE *f, StorageStacks *stk) { return U_inpp2s(&P, &n, &m, f, stk); }
-    int16_t read(const char *file, StorageStacks *stk) { return U_inpp2d(&P, &n, &m, file, stk); }
-    bool untouched() const { return P == &row && n == -7 && m == -7; }
-};
-struct CurvesOut {
-    Curve **cs = nullptr;
-    int32_t k = -7;
-    int16_t read(FILE *f, StorageStacks *stk) { return U_inpcas(&cs, &k, f, 1, stk); }
-    int16_t read(const char *file, StorageStacks *stk) { return U_inpcua(&cs, &k, file, 1, stk); }
-    bool untouched() const { return !cs && k == -7; }
-};
-
-// A reader run over some bytes: its status, and whether it left its outputs
+// A reader run over some bytes, through a file (path) or a stream (f): its
+// status, and whether it left its outputs (in the state a caller passes them)
 // as they were.
-using Run = std::function<int16_t(const std::string &bytes, StorageStacks *stk, bool *untouched)>;
+using Run = std::function<int16_t(FILE *f, const char *path, StorageStacks *stk, bool *untouched)>;
 struct Reader {
     std::string label, valid;
     int header_lines;  // the lines that hold the counts sizing the object
     Run run;
-};
-
-template <class Out, bool file>
-Run reading() {
-    return [](const std::string &bytes, StorageStacks *stk, bool *untouched) {
-        Out out;
-        int16_t status;
-        if constexpr (file) {
-            TempFile f(bytes);
-            status = out.read(f.path(), stk);
-        } else {
-            Stream s(bytes);
-            status = out.read(s.get(), stk);
+    int16_t operator()(const std::string &bytes, bool file, StorageStacks *stk, bool *untouched) const {
+        if (file) {
+            TempFile t;
+            t.write(bytes);
+            return run(nullptr, t.path(), stk, untouched);
         }
-        *untouched = out.untouched();
-        return status;
-    };
-}
+        Stream s(bytes);
+        return run(s.get(), nullptr, stk, untouched);
+    }
+};
 
 // Valid files written by the library's own writers, each read both ways.
 const std::vector<Reader> &readers() {
@@ -96,11 +53,39 @@ const std::vector<Reader> &readers() {
         U_outp2d(rows, 1, 1, f4.path());
         U_outcua(pair, 1, f5.path());
         return std::vector<Reader>{
-            {"curve stream", f1.read(), 4, reading<CurveOut, false>()},   {"curve file", f1.read(), 4, reading<CurveOut, true>()},
-            {"surface stream", f2.read(), 3, reading<SurfaceOut, false>()}, {"surface file", f2.read(), 3, reading<SurfaceOut, true>()},
-            {"points stream", f3.read(), 1, reading<PointsOut, false>()},  {"points file", f3.read(), 1, reading<PointsOut, true>()},
-            {"grid stream", f4.read(), 1, reading<GridOut, false>()},      {"grid file", f4.read(), 1, reading<GridOut, true>()},
-            {"curves stream", f5.read(), 1, reading<CurvesOut, false>()},  {"curves file", f5.read(), 1, reading<CurvesOut, true>()},
+            {"curve", f1.read(), 4, [](FILE *f, const char *path, StorageStacks *stk, bool *untouched) {
+                 Curve c{nullptr, -1, nullptr};
+                 const int16_t st = path ? U_inpcur(&c, path, 1, stk) : U_inpcup(&c, f, 1, stk);
+                 *untouched = U_iscurn(&c);
+                 return st;
+             }},
+            {"surface", f2.read(), 3, [](FILE *f, const char *path, StorageStacks *stk, bool *untouched) {
+                 Surface s{nullptr, -1, -1, nullptr, nullptr};
+                 const int16_t st = path ? U_inpsur(&s, path, 1, stk) : U_inpsup(&s, f, 1, stk);
+                 *untouched = U_issurn(&s);
+                 return st;
+             }},
+            {"points", f3.read(), 1, [](FILE *f, const char *path, StorageStacks *stk, bool *untouched) {
+                 Point sentinel, *P = &sentinel;
+                 int32_t n = -7;
+                 const int16_t st = path ? U_inpp1d(&P, &n, path, stk) : U_inpp1s(&P, &n, f, stk);
+                 *untouched = P == &sentinel && n == -7;
+                 return st;
+             }},
+            {"grid", f4.read(), 1, [](FILE *f, const char *path, StorageStacks *stk, bool *untouched) {
+                 Point sentinel, *row = &sentinel, **P = &row;
+                 int32_t n = -7, m = -7;
+                 const int16_t st = path ? U_inpp2d(&P, &n, &m, path, stk) : U_inpp2s(&P, &n, &m, f, stk);
+                 *untouched = P == &row && n == -7 && m == -7;
+                 return st;
+             }},
+            {"curves", f5.read(), 1, [](FILE *f, const char *path, StorageStacks *stk, bool *untouched) {
+                 Curve **cs = nullptr;
+                 int32_t k = -7;
+                 const int16_t st = path ? U_inpcua(&cs, &k, path, 1, stk) : U_inpcas(&cs, &k, f, 1, stk);
+                 *untouched = !cs && k == -7;
+                 return st;
+             }},
         };
     }();
     return all;
@@ -120,12 +105,14 @@ std::string with_line(const std::string &s, int line, const std::string &text) {
 // A refusal with one of the codes that leaves the outputs and the context as
 // they were.
 void expect_refused(const Reader &r, const std::string &bytes, std::initializer_list<int32_t> codes, const std::string &what) {
-    Stacks stk;
-    bool untouched = false;
-    E_clrerr();
-    ASSERT_EQ(r.run(bytes, stk.get(), &untouched), 1) << r.label << ": " << what;
-    EXPECT_NE(std::find(codes.begin(), codes.end(), E_errtyp()), codes.end()) << r.label << ": " << what << " gave code " << E_errtyp();
-    EXPECT_TRUE(untouched && stk.empty()) << r.label << ": " << what;
+    for (bool file : {false, true}) {
+        Stacks stk;
+        bool untouched = false;
+        E_clrerr();
+        ASSERT_EQ(r(bytes, file, stk.get(), &untouched), 1) << r.label << " " << file << ": " << what;
+        EXPECT_NE(std::find(codes.begin(), codes.end(), E_errtyp()), codes.end()) << r.label << ": " << what << " gave code " << E_errtyp();
+        EXPECT_TRUE(untouched && stk.empty()) << r.label << " " << file << ": " << what;
+    }
 }
 
 }  // namespace
@@ -135,10 +122,12 @@ void expect_refused(const Reader &r, const std::string &bytes, std::initializer_
 // a count the file cannot hold).
 TEST(TextHostile, TruncationsAndCorruptedBytes) {
     for (const Reader &r : readers()) {
-        Stacks stk;
-        bool untouched = true;
-        EXPECT_EQ(r.run(r.valid, stk.get(), &untouched), 0) << r.label;
-        EXPECT_FALSE(untouched) << r.label;
+        for (bool file : {false, true}) {
+            Stacks stk;
+            bool untouched = true;
+            EXPECT_EQ(r(r.valid, file, stk.get(), &untouched), 0) << r.label;
+            EXPECT_FALSE(untouched) << r.label;
+        }
         const std::size_t header = after_lines(r.valid, r.header_lines);
         for (std::size_t length = 0; length < r.valid.size(); ++length) {
             if (length < header) expect_refused(r, r.valid.substr(0, length), {KW_EFILE}, "cut at " + std::to_string(length));
@@ -155,7 +144,7 @@ TEST(TextHostile, TruncationsAndCorruptedBytes) {
 
 TEST(TextHostile, CountsTheFileCannotHold) {
     const std::vector<Reader> &all = readers();
-    const Reader &curve = all[0], &surface = all[2], &points = all[4], &grid = all[6], &curves = all[8];
+    const Reader &curve = all[0], &surface = all[1], &points = all[2], &grid = all[3], &curves = all[4];
     for (const char *n : {"-1", "2147483647", "2147483648", "1000000000", "99999999999999999999"})
         expect_refused(curve, with_line(curve.valid, 0, n), {KW_EARG}, n);
     expect_refused(curve, with_line(curve.valid, 0, "5"), {KW_EFILE}, "one point more");
@@ -168,7 +157,10 @@ TEST(TextHostile, CountsTheFileCannotHold) {
     expect_refused(grid, with_line(grid.valid, 0, "65536 65536"), {KW_EARG}, "grid");
     expect_refused(curves, with_line(curves.valid, 0, "1000000"), {KW_EARG}, "curves");
     expect_refused(curves, with_line(curves.valid, 0, "2"), {KW_EFILE}, "one curve more");
-    expect_refused(all[1], curve.valid + "7\n", {KW_EFILE}, "a named file holds nothing more");
+    Stacks held;
+    bool untouched = false;
+    EXPECT_EQ(curve(curve.valid + "7\n", true, held.get(), &untouched), 1) << "a named file holds nothing more";
+    EXPECT_TRUE(E_errtyp() == KW_EFILE && untouched && held.empty());
     // A pipe cannot tell its length: a count it cannot hold is found out as
     // the numbers run short, without memory running ahead of them.
     Stacks stk;
@@ -183,18 +175,20 @@ TEST(TextHostile, CountsTheFileCannotHold) {
 
 TEST(TextHostile, AllocationFailuresAtEveryStep) {
     for (const Reader &r : readers()) {
-        for (long k = 1;; ++k) {
-            Stacks stk;
-            bool untouched = false;
-            kw::fault::fail_at(k);
-            const int16_t status = r.run(r.valid, stk.get(), &untouched);
-            const bool fired = kw::fault::fired();
-            kw::fault::fail_at(0);
-            if (!fired) {
-                EXPECT_EQ(status, 0) << r.label;
-                break;
+        for (bool file : {false, true}) {
+            for (long k = 1;; ++k) {
+                Stacks stk;
+                bool untouched = false;
+                kw::fault::fail_at(k);
+                const int16_t status = r(r.valid, file, stk.get(), &untouched);
+                const bool fired = kw::fault::fired();
+                kw::fault::fail_at(0);
+                if (!fired) {
+                    EXPECT_EQ(status, 0) << r.label;
+                    break;
+                }
+                EXPECT_TRUE(status == 1 && E_errtyp() == KW_ENOMEM && error_name().substr(0, 5) == "S_GET" && untouched) << r.label << " k " << k;
             }
-            EXPECT_TRUE(status == 1 && E_errtyp() == KW_ENOMEM && error_name().substr(0, 5) == "S_GET" && untouched) << r.label << " k " << k;
         }
     }
 }

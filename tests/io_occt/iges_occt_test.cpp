@@ -38,17 +38,6 @@ namespace {
 constexpr double kTol = 1e-12;
 constexpr double kWritten = 1e-8;
 
-struct Import {
-    Stacks stk;
-    Curve **cur = nullptr;
-    Surface **sur = nullptr;
-    int32_t nc = -1, ns = -1, nm = -1;
-    int16_t status;
-    explicit Import(const char *path) {
-        status = U_inpigs(&cur, &nc, &sur, &ns, nullptr, &nm, path, stk.get());
-    }
-};
-
 // The B-spline entities of a file as OpenCASCADE's reader parses them.
 struct OcctModel {
     std::vector<Handle(IGESGeom_BSplineCurve)> curves;
@@ -167,7 +156,7 @@ TEST(IgesOcct, FilesWrittenByOpenCascade) {
     TempFile file;
     ASSERT_TRUE(writer.Write(file.path()));
 
-    const Import ours(file.path());
+    const Import ours(file.read());
     ASSERT_EQ(ours.status, 0) << E_errtyp() << " " << E_errnam();
     const OcctModel theirs(file.path());
     ASSERT_EQ(ours.nc + 1, static_cast<int32_t>(theirs.curves.size()));
@@ -224,7 +213,7 @@ TEST(IgesOcct, FilesLaidOutHereReadAlike) {
 
     for (const std::string &bytes : {iges_file(entities), iges_file(translated, odd)}) {
         TempFile file(bytes);
-        const Import ours(file.path());
+        const Import ours(file.read());
         ASSERT_EQ(ours.status, 0) << E_errtyp() << " " << E_errnam();
         const OcctModel theirs(file.path());
         ASSERT_EQ(theirs.curves.size(), 2u);
