@@ -20,6 +20,7 @@ build: deps
 demo: build
 	@mkdir -p $(OUT)
 	./build/default/examples/tour $(OUT)
+	@echo; echo "The tour's files are in $(OUT):"; ls -1 $(OUT) | sed 's/^/  /'
 
 test: test-default test-asan
 

@@ -8,9 +8,9 @@
 
 static void report(const char *what, int16_t status) {
     if (status == 0) {
-        printf("  %-44s ok\n", what);
+        printf("  %-48s ok\n", what);
     } else {
-        printf("  %-44s failed: code %d in %s\n", what, (int)E_errtyp(), E_errnam());
+        printf("  %-48s failed: code %d in %s\n", what, (int)E_errtyp(), E_errnam());
         exit(1);
     }
 }
@@ -96,14 +96,13 @@ static void curve_tour(Curve *cur, StorageStacks *stk) {
 
 /* A quarter cylinder of radius 2 and height 3: a rational quadratic arc in u
    swept along z in v. Its unit normal is the radial direction. */
-static void surface_tour(StorageStacks *stk) {
+static void surface_tour(Surface *sur, StorageStacks *stk) {
     const double arc[3][3] = {{2.0, 0.0, 1.0}, {2.0, 2.0, 0.7071067811865476}, {0.0, 2.0, 1.0}};
     static double U[6] = {0.0, 0.0, 0.0, 1.0, 1.0, 1.0}, V[4] = {0.0, 0.0, 1.0, 1.0};
     static ControlPoint net[3][2];
     ControlPoint *rows[3];
     Point d[2][2], *drows[2];
     PointMatrix SKL;
-    Surface sur;
     int i, j;
 
     printf("\n3. A surface: points, first derivatives and normals\n");
@@ -117,16 +116,16 @@ static void surface_tour(StorageStacks *stk) {
     }
     drows[0] = d[0];
     drows[1] = d[1];
-    report("wrap a quarter cylinder around a 3 x 2 net", U_maksu2(&sur, rows, 2, 1, 2, 1, U, V, 5, 3, stk));
-    report("validate it", E_surinp(&sur, "TOUR"));
+    report("wrap a quarter cylinder around a 3 x 2 net", U_maksu2(sur, rows, 2, 1, 2, 1, U, V, 5, 3, stk));
+    report("validate it", E_surinp(sur, "TOUR"));
     M_makpma(&SKL, 1, 1, drows, KW_FULL, 1); /* caller's storage for the partials to (1, 1) */
     for (i = 0; i <= 2; i++) {
         const double u = 0.5 * i, v = 0.25;
         Point S, Su, Sv, N;
         /* mode 1 with ku == kv == 1: S, S_u and S_v */
-        if (N_surevn(&sur, u, v, KW_RIGHT, KW_RIGHT, &S) ||
-            N_surder(&sur, u, v, KW_RIGHT, KW_RIGHT, 1, 1, 1, &SKL) ||
-            N_surnor(&sur, u, v, KW_RIGHT, KW_RIGHT, &S, &Su, &Sv, &N, stk))
+        if (N_surevn(sur, u, v, KW_RIGHT, KW_RIGHT, &S) ||
+            N_surder(sur, u, v, KW_RIGHT, KW_RIGHT, 1, 1, 1, &SKL) ||
+            N_surnor(sur, u, v, KW_RIGHT, KW_RIGHT, &S, &Su, &Sv, &N, stk))
             report("evaluate the surface", 1);
         printf("  S(%.2f, %.2f) = (%.4f, %.4f, %.4f), distance from the axis %.12f\n", u, v,
                S.x + 0.0, S.y + 0.0, S.z + 0.0, sqrt(S.x * S.x + S.y * S.y));
@@ -136,13 +135,83 @@ static void surface_tour(StorageStacks *stk) {
     }
 }
 
+/* The largest distance between two curves, and between two surfaces, over a
+   grid of parameters on [0, 1] (the tour's objects are all on [0, 1]). */
+static double curve_gap(const Curve *a, const Curve *b) {
+    double worst = 0.0;
+    int i;
+    for (i = 0; i <= 1000; i++) {
+        Point A, B;
+        N_curevn(a, i / 1000.0, KW_RIGHT, &A);
+        N_curevn(b, i / 1000.0, KW_RIGHT, &B);
+        worst = fmax(worst, distance(A, B));
+    }
+    return worst;
+}
+
+static double surface_gap(const Surface *a, const Surface *b) {
+    double worst = 0.0;
+    int i, j;
+    for (i = 0; i <= 50; i++)
+        for (j = 0; j <= 50; j++) {
+            Point A, B;
+            N_surevn(a, i / 50.0, j / 50.0, KW_RIGHT, KW_RIGHT, &A);
+            N_surevn(b, i / 50.0, j / 50.0, KW_RIGHT, KW_RIGHT, &B);
+            worst = fmax(worst, distance(A, B));
+        }
+    return worst;
+}
+
+/* Writes the rational curve and the surface as text files, as one IGES file
+   and as pictures; reads the files back and reports how far the read-back
+   geometry lies from the original. */
+static void exchange_tour(Curve *cur, Surface *sur, const char *dir, StorageStacks *stk) {
+    char curtxt[1024], surtxt[1024], igs[1024], cursvg[1024], sursvg[1024];
+    Curve txtcur, **back;
+    Surface txtsur, **backs;
+    int32_t nc, ns, nm;
+    Box box;
+
+    printf("\n4. Files\n");
+    snprintf(curtxt, sizeof curtxt, "%s/curve.txt", dir);
+    snprintf(surtxt, sizeof surtxt, "%s/surface.txt", dir);
+    snprintf(igs, sizeof igs, "%s/tour.igs", dir);
+    snprintf(cursvg, sizeof cursvg, "%s/curve.svg", dir);
+    snprintf(sursvg, sizeof sursvg, "%s/surface.svg", dir);
+
+    report("curve as a text file (U_outcur)", U_outcur(cur, curtxt));
+    report("surface as a text file (U_outsur)", U_outsur(sur, surtxt));
+    U_inicur(&txtcur);
+    U_inisur(&txtsur);
+    report("read both back, checked (U_inpcur, U_inpsur)",
+           (int16_t)(U_inpcur(&txtcur, curtxt, 1, stk) || U_inpsur(&txtsur, surtxt, 1, stk)));
+    printf("  largest difference after the text round trip: curve %.1e, surface %.1e\n",
+           curve_gap(cur, &txtcur), surface_gap(sur, &txtsur));
+
+    report("box of the curve (N_curbox)", N_curbox(cur, &box));
+    printf("  x in [%.6f, %.6f], y in [%.6f, %.6f], z in [%.6f, %.6f]\n", box.xmin, box.xmax,
+           box.ymin, box.ymax, box.zmin, box.zmax);
+    report("curve and surface to one IGES file (U_lcsigs)",
+           U_lcsigs(NULL, -1, &cur, 0, &sur, 0, 1e-6, igs));
+    report("read the IGES file back (U_inpigs)",
+           U_inpigs(&back, &nc, &backs, &ns, NULL, &nm, igs, stk));
+    printf("  the file holds %d curve(s) and %d surface(s)\n", (int)nc + 1, (int)ns + 1);
+    printf("  largest difference after the IGES round trip: curve %.1e, surface %.1e\n",
+           curve_gap(cur, back[0]), surface_gap(sur, backs[0]));
+    printf("  (coordinates and knots keep 12 decimals in IGES, weights 7)\n");
+
+    report("picture of the curve, isometric (U_cursvg)", U_cursvg(&cur, 0, 4, 1, cursvg));
+    report("picture of the surface, isometric (U_sursvg)", U_sursvg(&sur, 0, 4, 1, 4, sursvg));
+    printf("\n  files written: %s\n                 %s\n                 %s\n"
+           "                 %s\n                 %s\n", curtxt, surtxt, igs, cursvg, sursvg);
+}
+
 int main(int argc, char **argv) {
     StorageStacks stk;
     Curve cur, copy, big;
-    Surface sur, surcopy;
+    Surface sur, surcopy, cylinder;
     int32_t n, m;
-    (void)argc;
-    (void)argv;
+    const char *dir = argc > 1 ? argv[1] : ".";
 
     printf("Knotwork tour\n\n1. Records on a storage context\n");
     N_inurbs(&stk);
@@ -171,9 +240,10 @@ int main(int argc, char **argv) {
                E_errnam());
 
     curve_tour(&cur, &stk);
-    surface_tour(&stk);
+    surface_tour(&cylinder, &stk);
+    exchange_tour(&cur, &cylinder, dir, &stk);
 
-    printf("\n4. What the context holds\n");
+    printf("\n5. What the context holds\n");
     U_shwstk(&stk);
     U_kilcur(&big, &stk);
     U_kilsur(&surcopy, &stk);

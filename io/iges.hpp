@@ -25,7 +25,9 @@ inline constexpr char kParamDelimiter = ',';
 inline constexpr char kRecordDelimiter = ';';
 
 // Entity types.
+inline constexpr int32_t kCopiousData = 106;
 inline constexpr int32_t kLine = 110;
+inline constexpr int32_t kPoint = 116;
 inline constexpr int32_t kTransformation = 124;
 inline constexpr int32_t kBSplineCurve = 126;
 inline constexpr int32_t kBSplineSurface = 128;
@@ -40,5 +42,8 @@ inline constexpr DirectoryField kMatrixPointer{0, 6};
 inline constexpr DirectoryField kEntityType2{1, 0};
 inline constexpr DirectoryField kParamLines{1, 3};
 inline constexpr DirectoryField kForm{1, 4};
+
+// The form of a copious-data entity that is a polyline through 3-D points.
+inline constexpr int32_t kPolylineForm = 12;
 
 }  // namespace kw::iges

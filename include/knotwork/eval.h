@@ -12,6 +12,7 @@
 #ifndef KNOTWORK_EVAL_H
 #define KNOTWORK_EVAL_H
 
+#include "geom.h"
 #include "types.h"
 
 KW_BEGIN_DECLS
@@ -124,6 +125,24 @@ KW_API int16_t N_surevm(const Surface *sur, int32_t n, const double *u, const do
    heap (15 under "N_SURDRM"). */
 KW_API int16_t N_surdrm(const Surface *sur, int32_t n, const double *u, const double *v, int16_t sideu,
                         int16_t sidev, int16_t mode, int16_t ku, int16_t kv, Point *SKL);
+
+/* ---- Boxes -------------------------------------------------------------- */
+
+/* *box := the extreme coordinates of the curve itself (not of its control
+   polygon), exact to rounding: in each Bezier piece the ends and the zeros
+   of each coordinate's derivative (of X'W - XW' for a rational piece) are
+   evaluated with N_curevn. A 2-D curve has zmin = zmax = 0. Allocates
+   nothing. 14 for a null box; the codes of E_curinp (1, 3, 4, 5). */
+KW_API int16_t N_curbox(const Curve *cur, Box *box);
+/* *box := the extreme coordinates of the surface: it encloses the surface,
+   and each side lies within 1e-12 of the extent of its coordinate (plus
+   rounding) of the surface's extreme. Each Bezier patch is halved, across
+   the direction in which the side's coordinate bends most, until the
+   control points bound the side that closely above a point of the surface
+   (at most 60 halvings deep and 20000 subpatches a side, after which the
+   control bound stands). Scratch on a private context. 14 for a null box;
+   the codes of E_surinp (2, 3, 4, 5); 15 under the allocator's name. */
+KW_API int16_t N_surbox(const Surface *sur, Box *box);
 
 KW_END_DECLS
 

@@ -15,6 +15,61 @@
 
 KW_BEGIN_DECLS
 
+/* ---- Writers -------------------------------------------------------------
+
+   Each writes one IGES file in fixed 80-column records: two Start records,
+   five Global records (among them the last 30 characters of the file name,
+   the minimum resolution, and as the greatest coordinate value 1.001 times
+   the largest absolute coordinate of the boxes of what is written, curves
+   and surfaces by N_curbox and N_surbox), two Directory Entry records per
+   entity (for entity i = 0, 1, ...: level 4, colour (i + 2) mod 8, label
+   "NURBSURF", subscript i + 1), the Parameter Data and the Terminate record.
+
+   A curve is a 126 entity of 3 + (m div 3 + 1) + (n div 4 + 1) + (n + 1)
+   Parameter records: flags planar (1, with the normal (0, 0, 1), for a 2-D
+   curve that is not straight within the tolerance; otherwise 0 and
+   (0, 0, 0)), closed (U_iscurc), polynomial (1 unless a weight differs
+   from 1.0), periodic 0; then the knots, the weights, the Cartesian control
+   points (z 0.0 for a 2-D curve) and the range U[0], U[m]. A surface is a
+   128 entity, flags closed in u and in v (U_issurc), polynomial, periodic 0
+   and 0; weights and control points run with i (along u) fastest. Knots
+   and coordinates are written with 12 decimals in 19 columns, so each must
+   lie in (-100000, 1000000); weights with 7 decimals (so that a weight
+   such as 1/sqrt(2) comes back rounded to 1e-7), or as 1.0 when all are
+   1.0.
+
+   Everything is checked before the file is opened, and nothing is written
+   unless all is well: objects by E_curinp and E_surinp (codes 1 to 5); 14
+   for a null array or object, a count out of range, a tolerance that is
+   not positive, or a number too wide for its columns; 15 from N_surbox; 18
+   when the file cannot be opened or written. The writer records its codes
+   under its own name. */
+
+/* Curves cur[0..k] as 126 entities; tol is the minimum resolution and the
+   tolerance of the straightness test. */
+KW_API int16_t U_cutigs(Curve *const *cur, int32_t k, double tol, const char *file);
+/* Surfaces sur[0..k] as 128 entities; tol is the minimum resolution. */
+KW_API int16_t U_sutigs(Surface *const *sur, int32_t k, double tol, const char *file);
+/* Lines, curves and surfaces in one file, in that order: the lines from
+   lin[2i] to lin[2i+1], i = 0..nl, as 110 entities, the curves cur[0..nc]
+   and the surfaces sur[0..ns] as above. A count of -1 leaves its kind out
+   (its array may then be NULL); not all three may be -1. */
+KW_API int16_t U_lcsigs(const Point *lin, int32_t nl, Curve *const *cur, int32_t nc,
+                        Surface *const *sur, int32_t ns, double tol, const char *file);
+/* Points P[0..n]: mode 1, each a point entity (116); mode 2, the polyline
+   through them as one copious-data entity (106, form 12; n >= 1). The
+   minimum resolution is U_tolpoi. */
+KW_API int16_t U_p1digs(const Point *P, int32_t n, int16_t mode, const char *file);
+/* The control polygon of each curve cur[0..k] as a 126 entity of degree 1
+   through its Cartesian control points, on the knots 0, 0, 1, .., n - 1,
+   n, n, with the curve's planar and closed flags (straightness within
+   U_tolpoi, the minimum resolution). */
+KW_API int16_t U_cpligs(Curve *const *cur, int32_t k, const char *file);
+/* The control net of each surface sur[0..k] as polylines of the same kind:
+   its rows Pw[i][0..m] for i = 0..n, then its columns Pw[0..n][j] for
+   j = 0..m; each 3-D, closed when its end points meet. */
+KW_API int16_t U_spligs(Surface *const *sur, int32_t k, const char *file);
+
 /* ---- Reader --------------------------------------------------------------
 
    Reads the IGES file `file` (fixed 80-column records, lines ended by "\n"

@@ -115,6 +115,33 @@ KW_API int16_t U_prtsfn(const SurfaceFunction *sfn);
 /* Installs the routine the printers call to pause; NULL removes it. */
 KW_API void U_prtpau(void (*pause)(void));
 
+/* ---- Pictures ------------------------------------------------------------
+   SVG pictures of curves and surfaces, to look at them: a white page 800
+   pixels wide and at most 800 high, what is drawn fitted into it with a
+   margin of 20 pixels (curves by the boxes of their projections, N_curbox),
+   and no legend. view: 1 the xy plane (x to the right, y up), 2 the xz plane,
+   3 the yz plane, 4 the isometric view with z up (x towards the lower
+   left, y towards the lower right). Each object gets a colour of its own,
+   in turn from a palette of eight. A polynomial curve of degree 3 or less
+   is drawn as its Bezier pieces, which the projection keeps; other curves
+   as polylines within 0.1 pixel of the curve. With poly 1 the control
+   polygons or nets come too, as thin dashed grey lines with a dot at every
+   control point; with poly 0 only the geometry.
+
+   Codes: the codes of E_curinp and E_surinp for an object that fails them;
+   14 for a null array or object, a negative count, or a view, poly or div
+   out of range; 18 when the file cannot be opened or written; 15 under the
+   allocator's name (U_sursvg). Objects and arguments are checked before the
+   file is opened. */
+
+/* The curves cur[0..k]. Allocates nothing. */
+KW_API int16_t U_cursvg(Curve *const *cur, int32_t k, int16_t view, int16_t poly, const char *file);
+/* The surfaces sur[0..k] by their isoparametric curves in both directions:
+   at every distinct knot, and div - 1 more evenly between each two (div at
+   least 1). Scratch on a private context. */
+KW_API int16_t U_sursvg(Surface *const *sur, int32_t k, int16_t view, int16_t poly, int32_t div,
+                        const char *file);
+
 KW_END_DECLS
 
 #endif

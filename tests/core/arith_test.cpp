@@ -9,23 +9,24 @@
 namespace {
 
 using namespace kwtest;
-
+using CP = ControlPoint;
 constexpr double M = kPlanar, NR = kNonRational;
 
 // One control point of each kind: 3-D or 2-D, rational or not.
-std::vector<ControlPoint> kinds(std::mt19937_64 &rng) {
+std::vector<CP> kinds(std::mt19937_64 &rng) {
     std::uniform_real_distribution<double> c(-4.0, 4.0), w(0.5, 2.0);
-    std::vector<ControlPoint> out;
+    std::vector<CP> out;
     for (bool flat : {false, true})
         for (bool weighted : {true, false}) out.push_back({c(rng), c(rng), flat ? M : c(rng), weighted ? w(rng) : NR});
     return out;
 }
 
-// s0 P0 + s1 P1 + ... with the combination rule: x and y always combine; z
-// over the operands that have one, the planar marker when none has; w the
-// non-rational marker as soon as one operand lacks a weight.
-ControlPoint reference(const std::vector<double> &s, const std::vector<ControlPoint> &P) {
-    ControlPoint r{0, 0, 0, 0};
+Point cartesian(const CP &P) { return result<Point>(A_euclid, P); }
+
+// s0 P0 + s1 P1 + ... by the sum rule: z over the operands that have one
+// (the marker when none has), w the marker as soon as one operand lacks it.
+CP reference(const std::vector<double> &s, const std::vector<CP> &P) {
+    CP r{0, 0, 0, 0};
     bool any_z = false, all_w = true;
     for (size_t i = 0; i < P.size(); ++i) {
         r.x += s[i] * P[i].x;
@@ -34,205 +35,112 @@ ControlPoint reference(const std::vector<double> &s, const std::vector<ControlPo
         if (P[i].w == NR) all_w = false;
         else r.w += s[i] * P[i].w;
     }
-    if (!any_z) r.z = M;
-    if (!all_w) r.w = NR;
-    return r;
+    return {r.x, r.y, any_z ? r.z : M, all_w ? r.w : NR};
 }
 
-// Every combination routine over every mix of operand kinds.
+// Every combination routine over every assignment of kinds to its operands.
 TEST(Combinations, CarryTheMarkersOfTheSumRule) {
-    using Run = std::function<ControlPoint(const std::vector<ControlPoint> &)>;
     const double a = 0.75, b = -1.5, c = 2.0, d = 0.25;
-    struct Case {
-        const char *name;
-        std::vector<double> s;
-        Run run;
-    };
-    const Case table[] = {
-        {"A_sumcpt", {1, 1}, [](auto &P) { ControlPoint R; A_sumcpt(P[0], P[1], &R); return R; }},
-        {"A_comcpt", {a, b}, [=](auto &P) { ControlPoint R; A_comcpt(a, P[0], b, P[1], &R); return R; }},
-        {"A_updcpt", {1, b}, [=](auto &P) { ControlPoint R = P[0]; A_updcpt(b, P[1], &R); return R; }},
-        {"A_circpt", {1, a, b}, [=](auto &P) { ControlPoint R; A_circpt(P[0], a, P[1], b, P[2], &R); return R; }},
-        {"A_bilcpt", {a, b, c, d}, [=](auto &P) { ControlPoint R; A_bilcpt(a, P[0], b, P[1], c, P[2], d, P[3], &R); return R; }},
+    const std::pair<std::vector<double>, std::function<CP(const std::vector<CP> &)>> table[] = {
+        {{1, 1}, [](auto &P) { return result<CP>(A_sumcpt, P[0], P[1]); }},
+        {{a, b}, [=](auto &P) { return result<CP>(A_comcpt, a, P[0], b, P[1]); }},
+        {{1, b}, [=](auto &P) { CP R = P[0]; A_updcpt(b, P[1], &R); return R; }},
+        {{1, a, b}, [=](auto &P) { return result<CP>(A_circpt, P[0], a, P[1], b, P[2]); }},
+        {{a, b, c, d}, [=](auto &P) { return result<CP>(A_bilcpt, a, P[0], b, P[1], c, P[2], d, P[3]); }},
     };
     std::mt19937_64 rng(7);
-    for (const Case &cs : table) {
-        const std::vector<ControlPoint> pool = kinds(rng);
-        std::vector<size_t> pick(cs.s.size(), 0);
-        for (;;) {  // every assignment of kinds to operands
-            std::vector<ControlPoint> P;
-            for (size_t k : pick) P.push_back(pool[k]);
-            const ControlPoint R = cs.run(P), E = reference(cs.s, P);
-            EXPECT_EQ(bits(R.z) == bits(M), bits(E.z) == bits(M)) << cs.name;
-            EXPECT_EQ(bits(R.w) == bits(NR), bits(E.w) == bits(NR)) << cs.name;
-            EXPECT_NEAR(R.x, E.x, 1e-12) << cs.name;
-            EXPECT_NEAR(R.y, E.y, 1e-12) << cs.name;
-            if (E.z != M) EXPECT_NEAR(R.z, E.z, 1e-12) << cs.name;
-            if (E.w != NR) EXPECT_NEAR(R.w, E.w, 1e-12) << cs.name;
-            size_t i = 0;
-            while (i < pick.size() && ++pick[i] == pool.size()) pick[i++] = 0;
-            if (i == pick.size()) break;
+    for (const auto &[s, run] : table) {
+        const std::vector<CP> pool = kinds(rng);
+        for (size_t code = 0; code < (1u << (2 * s.size())); ++code) {
+            std::vector<CP> P;
+            for (size_t i = 0; i < s.size(); ++i) P.push_back(pool[(code >> (2 * i)) & 3]);
+            const CP R = run(P), E = reference(s, P);
+            SCOPED_TRACE(s.size());
+            EXPECT_EQ(bits(R.z) == bits(M), bits(E.z) == bits(M));
+            EXPECT_EQ(bits(R.w) == bits(NR), bits(E.w) == bits(NR));
+            EXPECT_TRUE(Near(Point{R.x, R.y, E.z == M ? 0 : R.z}, Point{E.x, E.y, E.z == M ? 0 : E.z}, 1e-12));
+            if (E.w != NR) EXPECT_NEAR(R.w, E.w, 1e-12);
         }
     }
 }
 
-TEST(Combinations, EdgeCasesOfSumsAndDifferences) {
-    struct Case {
-        const char *what;
-        void (*op)(ControlPoint, ControlPoint, ControlPoint *);
-        ControlPoint a, b, want;
+// Known answers, markers included, of the routines with mixed-kind rules.
+TEST(KnownAnswers, SumsDifferencesScalingsAndConversions) {
+    const std::pair<CP, CP> table[] = {
+        {result<CP>(A_sumcpt, CP{1, 2, M, 1}, CP{3, 4, 5, 1}), {4, 6, 5, 2}},  // the 3-D z
+        {result<CP>(A_sumcpt, CP{1, 2, 3, 2}, CP{1, 1, 1, NR}), {2, 3, 4, NR}},
+        {result<CP>(A_difcpt, CP{1, 2, M, 1}, CP{3, 4, 5, 1}), {-2, -2, 5, 0}},  // as it is
+        {result<CP>(A_difcpt, CP{1, 2, 5, 1}, CP{3, 4, M, 1}), {-2, -2, 5, 0}},
+        {result<CP>(A_difcpt, CP{1, 2, 3, NR}, CP{1, 1, 1, 4}), {0, 1, 2, NR}},
+        {result<CP>(A_sumpcp, Point{1, 2, M}, CP{1, 1, 3, 2}), {2, 3, 3, NR}},  // a Point has no weight
+        {result<CP>(A_difpcp, Point{1, 2, 3}, CP{1, 1, M, NR}), {0, 1, 3, NR}},
+        // Component products: a term exists only where both its factors do.
+        {result<CP>(A_vcocpt, CP{1, 2, 3, 2}, CP{2, 2, 2, 3}, CP{1, 1, M, 1}, CP{1, 1, 1, 1}), {3, 5, 6, 7}},
+        {result<CP>(A_vcocpt, CP{1, 2, M, 2}, CP{2, 2, 2, 3}, CP{1, 1, M, 1}, CP{1, 1, 1, NR}), {3, 5, M, NR}},
+        {result<CP>(A_crocpo, CP{1, 0, M, 2}, CP{0, 1, M, NR}), {0, 0, 1, 2}},  // planar z read as 0
+        {result<CP>(A_crocpo, CP{1, 2, 3, NR}, CP{4, 5, 6, 3}), {-3, 6, -3, 3}},
+        {result<CP>(A_crocpo, CP{2, 0, 0, 2}, CP{0, 3, 0, 3}), {0, 0, 6, 6}},
+        {result<CP>(A_crocpo, CP{1, 0, 0, NR}, CP{0, 1, 0, NR}), {0, 0, 1, NR}},
+        {result<CP>(A_weight, CP{1, 2, 3, 2}), {2, 4, 6, 2}},
+        {result<CP>(A_weight, CP{1, 2, 3, NR}), {1, 2, 3, NR}},
+        {result<CP>(A_weight, CP{1, 2, M, 2}), {2, 4, M, 2}},
+        {result<CP>(A_euccpt, CP{2, 4, M, 2}), {1, 2, M, NR}},
+        {result<CP>(A_poicpt, Point{1, 2, M}), {1, 2, M, NR}},
     };
-    const Case table[] = {
-        {"planar + 3-D takes the 3-D z", A_sumcpt, {1, 2, M, 1}, {3, 4, 5, 1}, {4, 6, 5, 2}},
-        {"rational + non-rational", A_sumcpt, {1, 2, 3, 2}, {1, 1, 1, NR}, {2, 3, 4, NR}},
-        {"planar - 3-D takes the 3-D z as it is", A_difcpt, {1, 2, M, 1}, {3, 4, 5, 1}, {-2, -2, 5, 0}},
-        {"3-D - planar keeps the 3-D z", A_difcpt, {1, 2, 5, 1}, {3, 4, M, 1}, {-2, -2, 5, 0}},
-        {"non-rational - rational", A_difcpt, {1, 2, 3, NR}, {1, 1, 1, 4}, {0, 1, 2, NR}},
+    for (const auto &[got, want] : table) EXPECT_TRUE(SameBits(got, want));
+    const std::pair<Point, Point> points[] = {
+        {result<Point>(A_euclid, CP{2, 4, M, 2}), {1, 2, 0}},
+        {result<Point>(A_euclid, CP{2, 4, 6, NR}), {2, 4, 6}},
+        {result<Point>(A_cptpoi, CP{2, 4, M, 2}), {2, 4, 0}},
+        {result<Point>(A_bilpoi, 1.0, Point{1, 2, 3}, 2.0, Point{-2, 0.5, 4}, 3.0, Point{0, 1, -1}, 0.5, Point{2, 2, 2}), {-2, 7, 9}},
+        {result<Point>(A_cirpoi, Point{1, 2, 3}, 2.0, Point{-2, 0.5, 4}, -1.0, Point{0, 1, -1}), {-3, 2, 12}},
+        {result<Point>(A_vcopoi, Point{1, 2, 3}, Point{-2, 0.5, 4}, Point{0, 1, -1}, Point{2, 2, 2}), {-2, 3, 10}},
     };
-    for (const Case &c : table) {
-        ControlPoint R;
-        c.op(c.a, c.b, &R);
-        EXPECT_TRUE(SameBits(R, c.want)) << c.what;
-    }
-    // A Point enters as a control point without a weight.
-    ControlPoint R;
-    A_sumpcp(Point{1, 2, M}, ControlPoint{1, 1, 3, 2}, &R);
-    EXPECT_TRUE(SameBits(R, ControlPoint{2, 3, 3, NR}));
-    A_difpcp(Point{1, 2, 3}, ControlPoint{1, 1, M, NR}, &R);
-    EXPECT_TRUE(SameBits(R, ControlPoint{0, 1, 3, NR}));
-    // Component products: a term exists only where both of its factors do.
-    A_vcocpt({1, 2, 3, 2}, {2, 2, 2, 3}, {1, 1, M, 1}, {1, 1, 1, 1}, &R);
-    EXPECT_TRUE(SameBits(R, ControlPoint{3, 5, 6, 7}));
-    A_vcocpt({1, 2, M, 2}, {2, 2, 2, 3}, {1, 1, M, 1}, {1, 1, 1, NR}, &R);
-    EXPECT_TRUE(SameBits(R, ControlPoint{3, 5, M, NR}));
-}
-
-TEST(Scalings, KeepTheMarkers) {
-    const ControlPoint table[] = {{1, -2, 3, 4}, {1, -2, M, 4}, {1, -2, 3, NR}, {1, -2, M, NR}};
-    for (const ControlPoint &P : table) {
-        ControlPoint R;
-        A_scacpt(-2.0, P, &R);
-        EXPECT_TRUE(SameBits(R, ControlPoint{-2, 4, P.z == M ? M : -6, P.w == NR ? NR : -8}));
-        Point Q;
-        A_scacpo(-2.0, P, &Q);
-        EXPECT_TRUE(SameBits(Q, Point{-2, 4, P.z == M ? 0.0 : -6}));
-        // About a centre, per axis, in Cartesian space; the weight is kept.
-        A_sclcpt(2.0, 3.0, 4.0, Point{1, 1, 1}, P, &R);
-        Point E, F;
-        A_euclid(P, &E);
-        A_euclid(R, &F);
-        EXPECT_TRUE(Near(F, Point{1 + 2 * (E.x - 1), 1 + 3 * (E.y - 1), P.z == M ? 0.0 : 1 + 4 * (E.z - 1)}, 1e-12));
-        EXPECT_EQ(bits(R.w), bits(P.w));
-        EXPECT_EQ(R.z == M, P.z == M);
-    }
-}
-
-TEST(Products, DotCrossAndMagnitude) {
-    struct Dot {
-        ControlPoint a, b;
-        double d;
-    };
-    const Dot dots[] = {
-        {{1, 0, 0, 2}, {1, 0, 0, NR}, 3},  // one weight present counts once
-        {{1, 0, 0, NR}, {1, 0, 0, 2}, 3},
-        {{1, 2, 3, 2}, {1, 1, 1, 3}, 12},
-        {{1, 2, 3, NR}, {1, 1, 1, NR}, 6},  // no weight term
-        {{1, 2, M, NR}, {1, 1, 7, NR}, 3},  // z left out when either is planar
-    };
-    for (const Dot &t : dots) {
-        double d;
-        A_dotcpt(t.a, t.b, &d);
-        EXPECT_EQ(d, t.d);
-    }
-    double d, w;
-    A_magcpt(ControlPoint{3, 4, M, NR}, &d);
-    EXPECT_EQ(d, 5.0);
-    const std::pair<std::pair<ControlPoint, ControlPoint>, std::pair<double, double>> dotcpo[] = {
-        {{{1, 2, 3, 2}, {1, 1, 1, 3}}, {6, 6}},
-        {{{1, 2, 3, NR}, {1, 1, 1, 3}}, {6, 3}},
-        {{{1, 2, 3, 2}, {1, 1, M, NR}}, {3, 2}},
-        {{{1, 2, 3, NR}, {1, 1, 1, NR}}, {6, NR}},
-    };
-    for (const auto &[ab, dw] : dotcpo) {
-        A_dotcpo(ab.first, ab.second, &d, &w);
-        EXPECT_EQ(d, dw.first);
-        EXPECT_EQ(bits(w), bits(dw.second));
-    }
-    const std::pair<std::pair<ControlPoint, ControlPoint>, ControlPoint> cross[] = {
-        {{{1, 0, 0, NR}, {0, 1, 0, NR}}, {0, 0, 1, NR}},
-        {{{1, 0, M, 2}, {0, 1, M, NR}}, {0, 0, 1, 2}},  // planar z read as 0, one weight
-        {{{1, 2, 3, NR}, {4, 5, 6, 3}}, {-3, 6, -3, 3}},
-        {{{2, 0, 0, 2}, {0, 3, 0, 3}}, {0, 0, 6, 6}},
-    };
-    for (const auto &[ab, want] : cross) {
-        ControlPoint R;
-        A_crocpo(ab.first, ab.second, &R);
-        EXPECT_TRUE(SameBits(R, want));
-    }
-}
-
-TEST(Conversions, MarkersAndDivisions) {
-    Point P;
-    A_euclid(ControlPoint{2, 4, M, 2}, &P);
-    EXPECT_TRUE(SameBits(P, Point{1, 2, 0}));
-    A_euclid(ControlPoint{2, 4, 6, NR}, &P);
-    EXPECT_TRUE(SameBits(P, Point{2, 4, 6}));
-    ControlPoint Q;
-    A_weight(ControlPoint{1, 2, 3, 2}, &Q);
-    EXPECT_TRUE(SameBits(Q, ControlPoint{2, 4, 6, 2}));
-    A_weight(ControlPoint{1, 2, 3, NR}, &Q);
-    EXPECT_TRUE(SameBits(Q, ControlPoint{1, 2, 3, NR}));
-    A_weight(ControlPoint{1, 2, M, 2}, &Q);
-    EXPECT_TRUE(SameBits(Q, ControlPoint{2, 4, M, 2}));
-    A_euccpt(ControlPoint{2, 4, M, 2}, &Q);
-    EXPECT_TRUE(SameBits(Q, ControlPoint{1, 2, M, NR}));
-    A_cptpoi(ControlPoint{2, 4, M, 2}, &P);
-    EXPECT_TRUE(SameBits(P, Point{2, 4, 0}));
-    A_poicpt(Point{1, 2, M}, &Q);
-    EXPECT_TRUE(SameBits(Q, ControlPoint{1, 2, M, NR}));
+    for (const auto &[got, want] : points) EXPECT_TRUE(SameBits(got, want));
     double x, y, z, w;
-    A_exteco(ControlPoint{2, 4, M, 4}, &x, &y, &z);
+    A_exteco(CP{2, 4, M, 4}, &x, &y, &z);
     EXPECT_TRUE(SameBits(Point{x, y, z}, Point{0.5, 1, 0}));
-    A_mapcpt(ControlPoint{2, 4, 6, 2}, &P, &w);
-    EXPECT_TRUE(SameBits(P, Point{1, 2, 3}));
-    EXPECT_EQ(w, 2.0);
-    // Stored values come back as they are, markers and signed zeros included.
-    A_initcp(-0.0, 1, 2, 3, &Q);
+    CP Q;
+    A_initcp(-0.0, 1, 2, 3, &Q);  // stored values come back as they are
     A_setcpz(M, &Q);
     A_setcpw(NR, &Q);
     A_extcpc(Q, &x, &y, &z, &w);
-    EXPECT_TRUE(SameBits(ControlPoint{x, y, z, w}, ControlPoint{-0.0, 1, M, NR}));
+    EXPECT_TRUE(SameBits(CP{x, y, z, w}, CP{-0.0, 1, M, NR}));
+    Point U{1, 2, 3};
+    A_updpoi(2, Point{-2, 0.5, 4}, &U);
+    EXPECT_TRUE(SameBits(U, Point{-3, 3, 11}));
 }
 
-// Reweighting, weighting and dividing out are inverse to each other.
-TEST(Conversions, RoundTripsKeepTheCartesianPoint) {
-    std::mt19937_64 rng(11);
-    for (int trial = 0; trial < 50; ++trial) {
-        for (const ControlPoint &P : kinds(rng)) {
-            Point E, F;
-            A_euclid(P, &E);
-            ControlPoint Q, R;
-            A_rewecp(P, 3.5, &Q);
-            A_euclid(Q, &F);
-            EXPECT_TRUE(Near(E, F, 1e-13));
-            EXPECT_EQ(Q.w, 3.5);
-            EXPECT_EQ(Q.z == M, P.z == M);
-            A_rewecp(P, NR, &Q);  // to a non-rational point
-            A_euccpt(P, &R);
-            EXPECT_TRUE(SameBits(Q, R));
-            A_weight(ControlPoint{R.x, R.y, R.z, P.w}, &Q);  // weight back
-            EXPECT_TRUE(Near(Point{Q.x, Q.y, Q.z == M ? 0 : Q.z}, Point{P.x, P.y, P.z == M ? 0 : P.z}, 1e-13));
-            EXPECT_EQ(bits(Q.w), bits(P.w));
-        }
+TEST(KnownAnswers, DotProductsCountAMissingWeightAsOne) {
+    struct Row {
+        CP a, b;
+        double dot, d, w;  // A_dotcpt; A_dotcpo's product and weight
+    };
+    const Row table[] = {
+        {{1, 0, 0, 2}, {1, 0, 0, NR}, 3, 1, 2},
+        {{1, 0, 0, NR}, {1, 0, 0, 2}, 3, 1, 2},
+        {{1, 2, 3, 2}, {1, 1, 1, 3}, 12, 6, 6},
+        {{1, 2, 3, NR}, {1, 1, 1, NR}, 6, 6, NR},
+        {{1, 2, M, NR}, {1, 1, 7, NR}, 3, 3, NR},  // z left out when either is planar
+    };
+    for (const Row &r : table) {
+        double dot, d, w;
+        A_dotcpt(r.a, r.b, &dot);
+        A_dotcpo(r.a, r.b, &d, &w);
+        EXPECT_EQ(dot, r.dot);
+        EXPECT_EQ(d, r.d);
+        EXPECT_EQ(bits(w), bits(r.w));
     }
+    double d;
+    A_magcpt(CP{3, 4, M, NR}, &d);
+    EXPECT_EQ(d, 5.0);
 }
 
-// A projective 4 x 4 transform on a RealMatrix, rows R0..R3.
+// A projective 4 x 4 transform as a RealMatrix.
 struct Transform {
     double rows[4][4] = {{0.5, -1, 0, 2}, {1, 0.5, 0.25, -1}, {0, 0.3, 2, 0.5}, {0.1, -0.05, 0.2, 1.5}};
     double *a[4] = {rows[0], rows[1], rows[2], rows[3]};
-    RealMatrix T;
-    Transform() { M_makrma(&T, 3, 3, a, KW_FULL, 4); }
+    RealMatrix T{3, 3, a, KW_FULL, 4};
     Point apply(Point P) const {
         double r[4];
         for (int i = 0; i < 4; ++i) r[i] = rows[i][0] * P.x + rows[i][1] * P.y + rows[i][2] * P.z + rows[i][3];
@@ -240,69 +148,58 @@ struct Transform {
     }
 };
 
-TEST(Transforms, AgreeWithTheCartesianTransform) {
+// Over random points of every kind: scalings, reweighting, transforms and
+// translations act on the Cartesian point and keep the markers.
+TEST(Properties, CartesianMeaningOfEveryKind) {
     const Transform t;
-    Point P;
-    A_trapoi(1, 2, 3, &t.T, &P);
-    EXPECT_TRUE(Near(P, t.apply(Point{1, 2, 3}), 1e-14));
-    std::mt19937_64 rng(3);
+    EXPECT_TRUE(Near(result<Point>(A_trapoi, 1.0, 2.0, 3.0, &t.T), t.apply(Point{1, 2, 3}), 1e-14));
+    std::mt19937_64 rng(11);
     for (int trial = 0; trial < 50; ++trial) {
-        for (const ControlPoint &Pw : kinds(rng)) {
-            ControlPoint Q;
-            A_tracpt(Pw, &t.T, &Q);
-            Point E, F;
-            A_euclid(Pw, &E);
-            A_euclid(Q, &F);
+        for (const CP &P : kinds(rng)) {
+            const Point E = cartesian(P);
+            const double z0 = P.z == M ? 0.0 : 1.0;  // 0 where z is no coordinate
+            auto same_kind = [&](const CP &R) { return (R.z == M) == (P.z == M) && bits(R.w) == bits(P.w); };
+            CP R = result<CP>(A_scacpt, -2.0, P);
+            EXPECT_TRUE(SameBits(R, CP{-2 * P.x, -2 * P.y, P.z == M ? M : -2 * P.z, P.w == NR ? NR : -2 * P.w}));
+            EXPECT_TRUE(SameBits(result<Point>(A_scacpo, -2.0, P), Point{R.x, R.y, z0 * R.z}));
+            R = result<CP>(A_sclcpt, 2.0, 3.0, 4.0, Point{1, 1, 1}, P);
+            EXPECT_TRUE(same_kind(R));
+            EXPECT_TRUE(Near(cartesian(R), Point{2 * E.x - 1, 3 * E.y - 2, z0 * (4 * E.z - 3)}, 1e-12));
+            R = result<CP>(A_trlcpt, P, 1.5, -2.0, 4.0);
+            EXPECT_TRUE(same_kind(R));
+            EXPECT_TRUE(Near(cartesian(R), Point{E.x + 1.5, E.y - 2.0, z0 * (E.z + 4.0)}, 1e-12));
+            R = result<CP>(A_tracpt, P, &t.T);
             const Point G = t.apply(E);
-            EXPECT_TRUE(Near(F, Point{G.x, G.y, Pw.z == M ? 0.0 : G.z}, 1e-12));
-            EXPECT_EQ(Q.z == M, Pw.z == M);
-            EXPECT_EQ(Q.w == NR, Pw.w == NR);
-            // A translation moves the Cartesian point and keeps the weight.
-            A_trlcpt(Pw, 1.5, -2.0, 4.0, &Q);
-            A_euclid(Q, &F);
-            EXPECT_TRUE(Near(F, Point{E.x + 1.5, E.y - 2.0, Pw.z == M ? 0.0 : E.z + 4.0}, 1e-12));
-            EXPECT_EQ(bits(Q.w), bits(Pw.w));
-            EXPECT_EQ(Q.z == M, Pw.z == M);
+            EXPECT_TRUE((R.z == M) == (P.z == M) && (R.w == NR) == (P.w == NR));
+            EXPECT_TRUE(Near(cartesian(R), Point{G.x, G.y, z0 * G.z}, 1e-12));
+            // Reweighting keeps the point; to no weight it is the Cartesian form.
+            R = result<CP>(A_rewecp, P, 3.5);
+            EXPECT_TRUE(Near(cartesian(R), E, 1e-13) && R.w == 3.5 && (R.z == M) == (P.z == M));
+            EXPECT_TRUE(SameBits(result<CP>(A_rewecp, P, NR), result<CP>(A_euccpt, P)));
+            Point C;
+            double w;
+            A_mapcpt(P, &C, &w);
+            EXPECT_TRUE(SameBits(C, E) && bits(w) == bits(P.w));
         }
     }
 }
 
 // The derivative of C = A / w from the homogeneous point and its derivative,
 // against a central difference of the quotient.
-TEST(Transforms, RationalDerivativeMatchesFiniteDifference) {
-    // A(t) = (1 + t^2, 2t - t^3, 3 - t), w(t) = 1 + t + 0.5 t^2.
-    auto Cw = [](double t) { return ControlPoint{1 + t * t, 2 * t - t * t * t, 3 - t, 1 + t + 0.5 * t * t}; };
-    auto dCw = [](double t) { return ControlPoint{2 * t, 2 - 3 * t * t, -1, 1 + t}; };
+TEST(Properties, RationalDerivativeMatchesFiniteDifference) {
+    auto Cw = [](double t) { return CP{1 + t * t, 2 * t - t * t * t, 3 - t, 1 + t + 0.5 * t * t}; };
+    auto dCw = [](double t) { return CP{2 * t, 2 - 3 * t * t, -1, 1 + t}; };
     for (double t : {-0.4, 0.0, 0.3, 1.7}) {
         const double h = 1e-6;
-        Point lo, hi, d;
-        A_euclid(Cw(t - h), &lo);
-        A_euclid(Cw(t + h), &hi);
-        A_ratder(Cw(t), dCw(t), &d);
-        EXPECT_TRUE(Near(d, Point{(hi.x - lo.x) / (2 * h), (hi.y - lo.y) / (2 * h), (hi.z - lo.z) / (2 * h)}, 1e-7)) << t;
-        ControlPoint flat = Cw(t), dflat = dCw(t);
+        const Point lo = cartesian(Cw(t - h)), hi = cartesian(Cw(t + h));
+        const Point fd{(hi.x - lo.x) / (2 * h), (hi.y - lo.y) / (2 * h), (hi.z - lo.z) / (2 * h)};
+        EXPECT_TRUE(Near(result<Point>(A_ratder, Cw(t), dCw(t)), fd, 1e-7)) << t;
+        CP flat = Cw(t), dflat = dCw(t), plain = Cw(t), dplain = dCw(t);
         flat.z = dflat.z = M;
-        A_ratder(flat, dflat, &d);
-        EXPECT_EQ(d.z, 0.0);
-        ControlPoint plain = Cw(t), dplain = dCw(t);
         plain.w = dplain.w = NR;
-        A_ratder(plain, dplain, &d);
-        EXPECT_TRUE(SameBits(d, Point{dplain.x, dplain.y, dplain.z}));
+        EXPECT_EQ(result<Point>(A_ratder, flat, dflat).z, 0.0);
+        EXPECT_TRUE(SameBits(result<Point>(A_ratder, plain, dplain), Point{dplain.x, dplain.y, dplain.z}));
     }
-}
-
-// The fixed combinations of Points take their coefficients in order.
-TEST(PointRoutines, CoefficientsInOrder) {
-    const Point P{1, 2, 3}, Q{-2, 0.5, 4}, R{0, 1, -1}, S{2, 2, 2};
-    Point T, U = P;
-    A_bilpoi(1, P, 2, Q, 3, R, 0.5, S, &T);
-    EXPECT_TRUE(SameBits(T, Point{-2, 7, 9}));
-    A_cirpoi(P, 2, Q, -1, R, &T);
-    EXPECT_TRUE(SameBits(T, Point{-3, 2, 12}));
-    A_vcopoi(P, Q, R, S, &T);
-    EXPECT_TRUE(SameBits(T, Point{-2, 3, 10}));
-    A_updpoi(2, Q, &U);
-    EXPECT_TRUE(SameBits(U, Point{-3, 3, 11}));
 }
 
 }  // namespace

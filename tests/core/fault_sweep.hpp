@@ -1,8 +1,9 @@
 // Allocation-failure sweeps. A FaultCase names an operation; prepare() builds
 // its inputs on the context with no fault armed and returns the call, which
-// gives 0 on success and 1 on failure (a pointer result as 0 or 1) and, on
-// failure, checks whatever the routine promises to leave alone. Other test
-// programs include this header and sweep tables of their own.
+// gives 0 on success and 1 on failure (a pointer result as 0 or 1) and checks
+// whatever the routine promises: its result on success, what it leaves alone
+// on failure. Other test programs include this header and sweep tables of
+// their own.
 #pragma once
 
 #include <functional>

@@ -2,6 +2,7 @@
 #include "core/fault_sweep.hpp"
 
 #include <algorithm>
+#include <cstring>
 #include <type_traits>
 
 namespace {
@@ -37,22 +38,32 @@ FaultCase filling(std::string name,
 using None = std::nullptr_t;
 char caller[] = "T_CALLER";
 
-// A resize from 4 to 9 elements (2 x 3 to 4 x 1): on failure the caller
-// keeps the old array, still on its list.
+// A resize from 4 to 9 elements (2 x 3 to 4 x 1): on success the common
+// elements come over and the old array is gone (the lists hold the new one
+// alone); on failure the caller keeps the old array, still on its list.
 template <auto get, auto ral>
-FaultCase resizing(const char *name) {
+FaultCase resizing(const char *name, std::vector<std::pair<int, int>> lists) {
     constexpr bool one = std::is_invocable_v<decltype(get), int32_t, StorageStacks *>;
     return {name, [](StorageStacks *stk) {
                 auto a = [stk] { if constexpr (one) return get(4, stk); else return get(2, 3, stk); }();
+                auto cell = [](auto p, int i, int j) {
+                    if constexpr (one) return reinterpret_cast<unsigned char *>(&p[j]);
+                    else return reinterpret_cast<unsigned char *>(&p[i][j]);
+                };
+                const size_t size = [&] { if constexpr (one) return sizeof(*a); else return sizeof(**a); }();
+                const int rows = one ? 0 : 2, cols = one ? 4 : 3, kept = one ? 4 : 1;
+                for (int i = 0; i <= rows; ++i)
+                    for (int j = 0; j <= cols; ++j) std::memset(cell(a, i, j), 7 * i + j + 1, size);
                 return std::function<int()>([=]() mutable {
                     const auto old = a;
                     int st;
-                    if constexpr (one) st = ral(&a, 4, 9, stk);
-                    else st = ral(&a, 2, 3, 4, 1, stk);
+                    if constexpr (one) st = ral(&a, 4, 9, stk); else st = ral(&a, 2, 3, 4, 1, stk);
                     if (st) EXPECT_TRUE(a == old && on_a_list(stk, old));
+                    for (int i = 0; i <= rows && !st; ++i)
+                        for (int j = 0; j <= kept; ++j) EXPECT_EQ(*cell(a, i, j), 7 * i + j + 1);
                     return st;
                 });
-            }};
+            }, std::move(lists)};
 }
 
 std::vector<const void *> arrays(const Curve *r) { return {r->pol->Pw, r->knt->U}; }
@@ -158,11 +169,7 @@ const std::vector<FaultCase> &foundation_cases() {
         call("S_getpoa", [](StorageStacks *s) { return status(S_getpoa(c0, c1, c0, 1, s)); }),
         call("S_getpom", [](StorageStacks *s) { return status(S_getpom(grid, grid, grid, 1, 1, s)); }),
         call("S_getcpm", [](StorageStacks *s) { return status(S_getcpm(grid, grid, grid, grid, 1, 1, s)); }, {{KW_LIST_C1D, 1}, {KW_LIST_C2D, 1}}),
-        // Records: gets, makes, output checks and copies into empty records.
-        filling<Curve>("U_getcur", [](None, Curve *c, StorageStacks *s) { return U_getcur(c, 3, 2, 6, s); }),
-        filling<Surface>("U_getsur", [](None, Surface *r, StorageStacks *s) { return U_getsur(r, 2, 3, 1, 2, 4, 6, s); }),
-        filling<CurveFunction>("U_getcfn", [](None, CurveFunction *f, StorageStacks *s) { return U_getcfn(f, 3, 2, 6, s); }),
-        filling<SurfaceFunction>("U_getsfn", [](None, SurfaceFunction *f, StorageStacks *s) { return U_getsfn(f, 2, 3, 1, 2, 4, 6, s); }),
+        // Records: makes, output checks (which get an empty record) and copies into empty records.
         filling<Curve>("U_makcu2", [](None, Curve *c, StorageStacks *s) { static ControlPoint P[2]; return U_makcu2(c, P, 1, 1, U4, 3, s); }),
         filling<Curve>("U_makcu3", [](None, Curve *c, StorageStacks *s) { return U_makcu3(c, c0, c1, c0, c1, 1, 1, U4, 3, s); }),
         filling<Surface>("U_maksu2", [](None, Surface *r, StorageStacks *s) { return U_maksu2(r, grid_cp, 1, 1, 1, 1, U4, U4, 3, 3, s); }),
@@ -194,23 +201,19 @@ const std::vector<FaultCase> &foundation_cases() {
         compacting<CurveFunction>("U_cfncmp", [](StorageStacks *s) { return S_getcfn(6, 2, 9, s); }, U_cfncmp),
         compacting<SurfaceFunction>("U_sfncmp", [](StorageStacks *s) { return S_getsfn(2, 3, 1, 2, 4, 6, s); }, U_sfncmp),
         // Resizes.
-        resizing<S_getf1d, U_ralf1d>("U_ralf1d"),
-        resizing<S_geti1d, U_rali1d>("U_rali1d"),
-        resizing<S_geti1p, U_rali1p>("U_rali1p"),
-        resizing<S_getr1d, U_ralr1d>("U_ralr1d"),
-        resizing<S_getp1d, U_ralp1d>("U_ralp1d"),
-        resizing<S_getc1d, U_ralc1d>("U_ralc1d"),
-        resizing<S_getf2d, U_ralf2d>("U_ralf2d"),
-        resizing<S_geti2d, U_rali2d>("U_rali2d"),
-        resizing<S_geti2p, U_rali2p>("U_rali2p"),
-        resizing<S_getr2d, U_ralr2d>("U_ralr2d"),
-        resizing<S_getp2d, U_ralp2d>("U_ralp2d"),
-        resizing<S_getc2d, U_ralc2d>("U_ralc2d"),
+        resizing<S_getf1d, U_ralf1d>("U_ralf1d", {{KW_LIST_F1D, 1}}),
+        resizing<S_geti1d, U_rali1d>("U_rali1d", {{KW_LIST_I1D, 1}}),
+        resizing<S_geti1p, U_rali1p>("U_rali1p", {{KW_LIST_I2D, 1}}),
+        resizing<S_getr1d, U_ralr1d>("U_ralr1d", {{KW_LIST_R1D, 1}}),
+        resizing<S_getp1d, U_ralp1d>("U_ralp1d", {{KW_LIST_P1D, 1}}),
+        resizing<S_getc1d, U_ralc1d>("U_ralc1d", {{KW_LIST_C1D, 1}}),
+        resizing<S_getf2d, U_ralf2d>("U_ralf2d", {{KW_LIST_F1D, 1}, {KW_LIST_F2D, 1}}),
+        resizing<S_geti2d, U_rali2d>("U_rali2d", {{KW_LIST_I1D, 1}, {KW_LIST_I2D, 1}}),
+        resizing<S_geti2p, U_rali2p>("U_rali2p", {{KW_LIST_I2D, 1}, {KW_LIST_I3D, 1}}),
+        resizing<S_getr2d, U_ralr2d>("U_ralr2d", {{KW_LIST_R1D, 1}, {KW_LIST_R2D, 1}}),
+        resizing<S_getp2d, U_ralp2d>("U_ralp2d", {{KW_LIST_P1D, 1}, {KW_LIST_P2D, 1}}),
+        resizing<S_getc2d, U_ralc2d>("U_ralc2d", {{KW_LIST_C1D, 1}, {KW_LIST_C2D, 1}}),
         // Matrix records.
-        call("M_getrma", [](StorageStacks *s) { RealMatrix a; return (int)M_getrma(&a, 3, 3, KW_BANDED, 1, s); }),
-        call("M_getima", [](StorageStacks *s) { IntegerMatrix a; return (int)M_getima(&a, 3, 3, KW_FULL, 4, s); }),
-        call("M_getpma", [](StorageStacks *s) { PointMatrix a; return (int)M_getpma(&a, 3, 3, KW_BANDED, 3, s); }),
-        call("M_getcma", [](StorageStacks *s) { ControlPointMatrix a; return (int)M_getcma(&a, 3, 3, KW_FULL, 4, s); }),
         call("M_rmachk", [](StorageStacks *s) { static char nm[] = "T_CALLER"; RealMatrix a; M_inirma(&a); return (int)M_rmachk(&a, 3, 3, KW_FULL, 4, nm, s); }),
         call("M_imachk", [](StorageStacks *s) { static char nm[] = "T_CALLER"; IntegerMatrix a; M_iniima(&a); return (int)M_imachk(&a, 3, 3, KW_FULL, 4, nm, s); }),
         call("M_pmachk", [](StorageStacks *s) { static char nm[] = "T_CALLER"; PointMatrix a; M_inipma(&a); return (int)M_pmachk(&a, 3, 3, KW_FULL, 4, nm, s); }),

@@ -6,26 +6,18 @@
 #include <cmath>
 #include <random>
 
-#include "knotwork.h"
+#include "core/support.hpp"
 
 namespace geomtest {
 
+using kwtest::result;
+
 inline Point P3(double x, double y, double z) { return Point{x, y, z}; }
 
-inline double dist(Point a, Point b) {
-    return std::sqrt((a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y) + (a.z - b.z) * (a.z - b.z));
-}
+inline double dist(Point a, Point b) { return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z); }
 
 #define EXPECT_POINT_NEAR(a, b, tol) EXPECT_LT(geomtest::dist((a), (b)), (tol))
 #define EXPECT_POINT_EQ(a, b) EXPECT_EQ(geomtest::dist((a), (b)), 0.0)
-// The call fails with status 1 and records code.
-#define EXPECT_FAILS(call, code)         \
-    do {                                 \
-        E_clrerr();                      \
-        EXPECT_EQ((call), 1);            \
-        EXPECT_EQ(E_errtyp(), (code));   \
-    } while (0)
-
 // Deterministic random points in a cube of half-width s.
 struct Random {
     std::mt19937 gen{12345};

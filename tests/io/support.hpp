@@ -12,6 +12,7 @@
 #include <string>
 
 #include "core/alloc.hpp"
+#include "core/support.hpp"
 #include "knotwork.h"
 
 namespace kwt {
@@ -67,37 +68,26 @@ private:
     std::string path_;
 };
 
-// A seekable stream holding bytes, closed at the end.
+// A stream holding bytes, closed at the end: seekable, or a pipe (which
+// cannot tell its length).
 class Stream {
 public:
-    explicit Stream(const std::string &s) : f_(std::tmpfile()) {
-        std::fwrite(s.data(), 1, s.size(), f_);
-        std::rewind(f_);
-    }
-    ~Stream() { std::fclose(f_); }
-    Stream(const Stream &) = delete;
-    Stream &operator=(const Stream &) = delete;
-    FILE *get() { return f_; }
-
-private:
-    FILE *f_;
-};
-
-// A pipe holding bytes (which cannot tell its length), closed at the end.
-class Pipe {
-public:
-    explicit Pipe(const std::string &s) {
+    explicit Stream(const std::string &s, bool pipe = false) {
         int fd[2];
-        if (pipe(fd) != 0) return;
-        if (::write(fd[1], s.data(), s.size()) != static_cast<ssize_t>(s.size())) return;
-        ::close(fd[1]);
-        f_ = fdopen(fd[0], "r");
+        if (!pipe) {
+            f_ = std::tmpfile();
+            std::fwrite(s.data(), 1, s.size(), f_);
+            std::rewind(f_);
+        } else if (::pipe(fd) == 0 && ::write(fd[1], s.data(), s.size()) == static_cast<ssize_t>(s.size())) {
+            ::close(fd[1]);
+            f_ = fdopen(fd[0], "r");
+        }
     }
-    ~Pipe() {
+    ~Stream() {
         if (f_) std::fclose(f_);
     }
-    Pipe(const Pipe &) = delete;
-    Pipe &operator=(const Pipe &) = delete;
+    Stream(const Stream &) = delete;
+    Stream &operator=(const Stream &) = delete;
     FILE *get() { return f_; }
 
 private:
@@ -117,17 +107,12 @@ inline bool same_bits(double a, double b) { return std::memcmp(&a, &b, sizeof a)
 // uniform.
 inline void uniform_knots(double *U, int32_t n, int16_t p) {
     const int32_t m = n + p + 1;
-    for (int32_t i = 0; i <= m; ++i) {
-        if (i <= p) U[i] = 0.0;
-        else if (i >= m - p) U[i] = 1.0;
-        else U[i] = static_cast<double>(i - p) / (n - p + 1);
-    }
+    for (int32_t i = 0; i <= m; ++i) U[i] = i <= p ? 0.0 : i >= m - p ? 1.0 : static_cast<double>(i - p) / (n - p + 1);
 }
 
 // A valid curve of a kind (1: 2-D, 2: 3-D, 3: 2-D rational, 4: 3-D
 // rational), with coordinates in [-10, 10] and weights in [0.5, 2].
-inline void random_curve(Curve *c, int kind, int32_t n, int16_t p, std::mt19937_64 &rng,
-                         StorageStacks *stk) {
+inline void random_curve(Curve *c, int kind, int32_t n, int16_t p, std::mt19937_64 &rng, StorageStacks *stk) {
     std::uniform_real_distribution<double> coord(-10.0, 10.0), weight(0.5, 2.0);
     U_inicur(c);
     ASSERT_EQ(U_curchk(c, n, p, n + p + 1, const_cast<char *>("TEST"), stk), 0);
@@ -140,21 +125,55 @@ inline void random_curve(Curve *c, int kind, int32_t n, int16_t p, std::mt19937_
     uniform_knots(c->knt->U, n, p);
 }
 
-// Every element of two curves agrees bit for bit.
-inline void expect_same_curve(const Curve *a, const Curve *b) {
-    ASSERT_EQ(a->pol->n, b->pol->n);
-    ASSERT_EQ(a->p, b->p);
-    ASSERT_EQ(a->knt->m, b->knt->m);
+// Every value of b is f of the value of a (markers pass unchanged).
+template <class F>
+void expect_curve(const Curve *a, const Curve *b, F f) {
+    ASSERT_TRUE(a->pol->n == b->pol->n && a->p == b->p && a->knt->m == b->knt->m);
+    auto g = [&](double x) { return x == KW_PLANAR || x == KW_NONRATIONAL ? x : f(x); };
     for (int32_t i = 0; i <= a->pol->n; ++i) {
         const ControlPoint &P = a->pol->Pw[i], &Q = b->pol->Pw[i];
-        EXPECT_TRUE(same_bits(P.x, Q.x) && same_bits(P.y, Q.y) && same_bits(P.z, Q.z) &&
-                    same_bits(P.w, Q.w))
+        EXPECT_TRUE(same_bits(Q.x, g(P.x)) && same_bits(Q.y, g(P.y)) && same_bits(Q.z, g(P.z)) && same_bits(Q.w, g(P.w)))
             << "control point " << i;
     }
-    for (int32_t j = 0; j <= a->knt->m; ++j)
-        EXPECT_TRUE(same_bits(a->knt->U[j], b->knt->U[j])) << "knot " << j;
+    for (int32_t j = 0; j <= a->knt->m; ++j) EXPECT_TRUE(same_bits(b->knt->U[j], g(a->knt->U[j]))) << "knot " << j;
 }
+// Every element of two curves agrees bit for bit.
+inline void expect_same_curve(const Curve *a, const Curve *b) {
+    expect_curve(a, b, [](double x) { return x; });
+}
+// Every value of b is what the text format makes of the value of a.
+inline void expect_through_text(const Curve *a, const Curve *b) { expect_curve(a, b, through_text); }
 
 inline std::string error_name() { return E_errnam(); }
+
+// What U_inpigs gives back, on a context of its own.
+struct Import {
+    Stacks stk;
+    Curve **cur = nullptr;
+    Surface **sur = nullptr;
+    RealMatrix mat{-1, -1, nullptr, KW_FULL, 0};
+    int32_t nc = -7, ns = -7, nm = -7;
+    int16_t status = -1;
+
+    explicit Import(const std::string &bytes) {
+        TempFile f(bytes);
+        E_clrerr();
+        status = U_inpigs(&cur, &nc, &sur, &ns, &mat, &nm, f.path(), stk.get());
+    }
+    bool untouched() const { return !cur && !sur && nc == -7 && ns == -7 && nm == -7 && !mat.a && stk.nodes() == 0; }
+    // Every object a valid one.
+    bool valid() const {
+        bool ok = true;
+        for (int32_t c = 0; c <= nc; ++c) ok = ok && E_curinp(cur[c], const_cast<char *>("TEST")) == 0;
+        for (int32_t s = 0; s <= ns; ++s) ok = ok && E_surinp(sur[s], const_cast<char *>("TEST")) == 0;
+        return ok;
+    }
+    Point point(int32_t c, int32_t i) const { return euclid(cur[c]->pol->Pw[i]); }
+    static Point euclid(const ControlPoint &Pw) {
+        Point P;
+        A_euclid(Pw, &P);
+        return P;
+    }
+};
 
 }  // namespace kwt

@@ -38,17 +38,6 @@ namespace {
 constexpr double kTol = 1e-12;
 constexpr double kWritten = 1e-8;
 
-struct Import {
-    Stacks stk;
-    Curve **cur = nullptr;
-    Surface **sur = nullptr;
-    int32_t nc = -1, ns = -1, nm = -1;
-    int16_t status;
-    explicit Import(const char *path) {
-        status = U_inpigs(&cur, &nc, &sur, &ns, nullptr, &nm, path, stk.get());
-    }
-};
-
 // The B-spline entities of a file as OpenCASCADE's reader parses them.
 struct OcctModel {
     std::vector<Handle(IGESGeom_BSplineCurve)> curves;
@@ -116,37 +105,24 @@ void expect_same(const Surface *s, const Handle(IGESGeom_BSplineSurface) &g) {
     for (int32_t j = 0; j <= s->knv->m; ++j) EXPECT_NEAR(s->knv->U[j], g->KnotV(j - g->DegreeV()), kTol);
 }
 
-// Three distinct knots with their multiplicities.
-struct Knots {
-    TColStd_Array1OfReal value{1, 3};
-    TColStd_Array1OfInteger mult{1, 3};
-    Knots(std::initializer_list<double> u, std::initializer_list<int> k) {
-        int i = 1;
-        for (double x : u) value(i++) = x;
-        i = 1;
-        for (int x : k) mult(i++) = x;
-    }
-};
-
-Handle(Geom_BSplineCurve) cubic_with_double_knot() {
-    TColgp_Array1OfPnt poles(1, 6);
-    const double xyz[6][3] = {{0, 0, 0}, {1, 2, 0.5}, {2, -1, 1}, {3.25, 0.5, 0}, {4, 3, -2}, {5, 0, 1}};
-    for (int i = 0; i < 6; ++i) poles(i + 1) = gp_Pnt(xyz[i][0], xyz[i][1], xyz[i][2]);
-    const Knots U({0, 0.4, 2}, {4, 2, 4});
-    return new Geom_BSplineCurve(poles, U.value, U.mult, 3);
+// Poles (x y z each), weights (none: non-rational), distinct knots and their
+// multiplicities of a curve, and the same per direction of a surface.
+template <class A>
+A real_array(const std::vector<double> &v) {
+    A a(1, static_cast<int>(v.size()));
+    for (std::size_t i = 0; i < v.size(); ++i) a(static_cast<int>(i) + 1) = v[i];
+    return a;
 }
 
-Handle(Geom_BSplineCurve) rational_quadratic() {
-    TColgp_Array1OfPnt poles(1, 5);
-    TColStd_Array1OfReal weights(1, 5);
-    const double xyz[5][3] = {{1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {-1, 1, 0}, {-1, 0, 0}};
-    const double w[5] = {1, M_SQRT1_2, 1, M_SQRT1_2, 1};
-    for (int i = 0; i < 5; ++i) {
-        poles(i + 1) = gp_Pnt(xyz[i][0], xyz[i][1], xyz[i][2]);
-        weights(i + 1) = w[i];
-    }
-    const Knots U({0, 0.5, 1}, {3, 2, 3});
-    return new Geom_BSplineCurve(poles, weights, U.value, U.mult, 2);
+Handle(Geom_BSplineCurve) curve(const std::vector<double> &xyz, const std::vector<double> &w, const std::vector<double> &knots,
+                                 const std::vector<int> &mult, int degree) {
+    TColgp_Array1OfPnt poles(1, static_cast<int>(xyz.size() / 3));
+    for (int i = 1; i <= poles.Length(); ++i) poles(i) = gp_Pnt(xyz[3 * i - 3], xyz[3 * i - 2], xyz[3 * i - 1]);
+    TColStd_Array1OfInteger m(1, static_cast<int>(mult.size()));
+    for (std::size_t i = 0; i < mult.size(); ++i) m(static_cast<int>(i) + 1) = mult[i];
+    const auto U = real_array<TColStd_Array1OfReal>(knots);
+    if (w.empty()) return new Geom_BSplineCurve(poles, U, m, degree);
+    return new Geom_BSplineCurve(poles, real_array<TColStd_Array1OfReal>(w), U, m, degree);
 }
 
 Handle(Geom_BSplineSurface) rational_patch() {
@@ -157,15 +133,11 @@ Handle(Geom_BSplineSurface) rational_patch() {
             poles(i, j) = gp_Pnt(i, 2.0 * j, std::sin(i + 0.3 * j));
             weights(i, j) = 1.0 + 0.25 * ((i + j) % 3);
         }
-    TColStd_Array1OfReal uk(1, 2), vk(1, 2);
     TColStd_Array1OfInteger um(1, 2), vm(1, 2);
-    uk(1) = 0;
-    uk(2) = 1;
     um(1) = um(2) = 4;
-    vk(1) = -1;
-    vk(2) = 3;
     vm(1) = vm(2) = 3;
-    return new Geom_BSplineSurface(poles, weights, uk, vk, um, vm, 3, 2);
+    return new Geom_BSplineSurface(poles, weights, real_array<TColStd_Array1OfReal>({0, 1}), real_array<TColStd_Array1OfReal>({-1, 3}),
+                                   um, vm, 3, 2);
 }
 
 }  // namespace
@@ -173,7 +145,9 @@ Handle(Geom_BSplineSurface) rational_patch() {
 TEST(IgesOcct, FilesWrittenByOpenCascade) {
     IGESControl_Controller::Init();
     IGESControl_Writer writer("MM", 0);
-    const Handle(Geom_BSplineCurve) cubic = cubic_with_double_knot(), arc = rational_quadratic();
+    // A cubic with a double knot and a rational quadratic half circle.
+    const Handle(Geom_BSplineCurve) cubic = curve({0, 0, 0, 1, 2, 0.5, 2, -1, 1, 3.25, 0.5, 0, 4, 3, -2, 5, 0, 1}, {}, {0, 0.4, 2}, {4, 2, 4}, 3),
+                                    arc = curve({1, 0, 0, 1, 1, 0, 0, 1, 0, -1, 1, 0, -1, 0, 0}, {1, M_SQRT1_2, 1, M_SQRT1_2, 1}, {0, 0.5, 1}, {3, 2, 3}, 2);
     const Handle(Geom_BSplineSurface) patch = rational_patch();
     writer.AddGeom(cubic);
     writer.AddGeom(arc);
@@ -182,7 +156,7 @@ TEST(IgesOcct, FilesWrittenByOpenCascade) {
     TempFile file;
     ASSERT_TRUE(writer.Write(file.path()));
 
-    const Import ours(file.path());
+    const Import ours(file.read());
     ASSERT_EQ(ours.status, 0) << E_errtyp() << " " << E_errnam();
     const OcctModel theirs(file.path());
     ASSERT_EQ(ours.nc + 1, static_cast<int32_t>(theirs.curves.size()));
@@ -239,7 +213,7 @@ TEST(IgesOcct, FilesLaidOutHereReadAlike) {
 
     for (const std::string &bytes : {iges_file(entities), iges_file(translated, odd)}) {
         TempFile file(bytes);
-        const Import ours(file.path());
+        const Import ours(file.read());
         ASSERT_EQ(ours.status, 0) << E_errtyp() << " " << E_errnam();
         const OcctModel theirs(file.path());
         ASSERT_EQ(theirs.curves.size(), 2u);

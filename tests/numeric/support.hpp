@@ -1,5 +1,5 @@
-// Shared fixtures of the numeric tests: a storage context, seeded random
-// data, and matrices compared through a plain dense copy.
+// Shared fixtures of the numeric tests: matrices of any storage type filled
+// on a context, seeded random data, and a plain dense copy to compare with.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,12 +10,28 @@
 #include <random>
 #include <vector>
 
-#include "knotwork.h"
+#include "core/support.hpp"
 #include "numeric/matrix.hpp"
 
 namespace kwtest {
 
 using Dense = std::vector<std::vector<double>>;
+
+// A matrix of the given shape on stk: existing entries from f(i, j), every
+// other stored value NaN, so that a routine reading outside the shape
+// poisons its result.
+inline RealMatrix make(int32_t type, int32_t n, int32_t m, int32_t w, const std::function<double(int32_t, int32_t)> &f,
+                       StorageStacks *stk) {
+    RealMatrix A;
+    M_inirma(&A);
+    EXPECT_EQ(M_getrma(&A, n, m, type, w, stk), 0);
+    kw::clear_stored(A, std::numeric_limits<double>::quiet_NaN());
+    for (int32_t i = 0; i <= n; ++i) {
+        const kw::Span cols = kw::row_span(A, i);
+        for (int32_t j = cols.lo; j <= cols.hi; ++j) kw::entry(A, i, j) = f(i, j);
+    }
+    return A;
+}
 
 class Numeric : public ::testing::Test {
 protected:
@@ -25,32 +41,17 @@ protected:
     }
     void TearDown() override { N_enurbs(&stk); }
 
-    double uniform(double lo = -1.0, double hi = 1.0) {
-        return std::uniform_real_distribution<double>(lo, hi)(rng);
-    }
+    double uniform(double lo = -1.0, double hi = 1.0) { return std::uniform_real_distribution<double>(lo, hi)(rng); }
     std::vector<double> vec(int32_t n) {
         std::vector<double> v(n + 1);
         for (double &x : v) x = uniform();
         return v;
     }
-
-    // A matrix of the given shape on stk: existing entries from f(i, j),
-    // every other stored value NaN, so that a routine reading outside the
-    // shape poisons its result.
-    RealMatrix make(int32_t type, int32_t n, int32_t m, int32_t w,
-                    const std::function<double(int32_t, int32_t)> &f) {
-        RealMatrix A;
-        M_inirma(&A);
-        EXPECT_EQ(M_getrma(&A, n, m, type, w, &stk), 0);
-        kw::clear_stored(A, std::numeric_limits<double>::quiet_NaN());
-        for (int32_t i = 0; i <= n; ++i) {
-            const kw::Span cols = kw::row_span(A, i);
-            for (int32_t j = cols.lo; j <= cols.hi; ++j) kw::entry(A, i, j) = f(i, j);
-        }
-        return A;
+    RealMatrix make(int32_t type, int32_t n, int32_t m, int32_t w, const std::function<double(int32_t, int32_t)> &f) {
+        return kwtest::make(type, n, m, w, f, &stk);
     }
     // The existing entries of a shape taken from a dense matrix.
-    RealMatrix from(const std::vector<std::vector<double>> &D, int32_t type = KW_FULL, int32_t w = 0) {
+    RealMatrix from(const Dense &D, int32_t type = KW_FULL, int32_t w = 0) {
         const auto n = static_cast<int32_t>(D.size()) - 1, m = static_cast<int32_t>(D[0].size()) - 1;
         return make(type, n, m, w > 0 ? w : n + 1, [&D](int32_t i, int32_t j) { return D[i][j]; });
     }
@@ -59,9 +60,12 @@ protected:
     }
     // Square and strictly diagonally dominant: LU needs no pivoting.
     RealMatrix dominant(int32_t type, int32_t n, int32_t w = 0) {
-        return make(type, n, n, w > 0 ? w : n + 1, [this, n](int32_t i, int32_t j) {
-            return i == j ? 2.0 * (n + 2) + uniform() : uniform();
-        });
+        return make(type, n, n, w > 0 ? w : n + 1, [this, n](int32_t i, int32_t j) { return i == j ? 2.0 * (n + 2) + uniform() : uniform(); });
+    }
+    RealMatrix empty() {
+        RealMatrix E;
+        M_inirma(&E);
+        return E;
     }
 
     StorageStacks stk;
@@ -77,6 +81,10 @@ inline Dense dense(const RealMatrix &A) {
     }
     return D;
 }
+inline Dense rows_of(double *const *a, int32_t n, int32_t m) {
+    RealMatrix A{n, m, const_cast<double **>(a), KW_FULL, n + 1};
+    return dense(A);
+}
 
 inline Dense multiply(const Dense &A, const Dense &B) {
     Dense C(A.size(), std::vector<double>(B[0].size(), 0.0));
@@ -85,32 +93,19 @@ inline Dense multiply(const Dense &A, const Dense &B) {
             for (size_t j = 0; j < B[0].size(); ++j) C[i][j] += A[i][k] * B[k][j];
     return C;
 }
-
 inline Dense transpose(const Dense &A) {
     Dense T(A[0].size(), std::vector<double>(A.size()));
     for (size_t i = 0; i < A.size(); ++i)
         for (size_t j = 0; j < A[0].size(); ++j) T[j][i] = A[i][j];
     return T;
 }
-
 inline Dense identity(size_t n) {
     Dense I(n, std::vector<double>(n, 0.0));
     for (size_t i = 0; i < n; ++i) I[i][i] = 1.0;
     return I;
 }
-
 inline std::vector<double> times(const Dense &A, const std::vector<double> &x) {
-    std::vector<double> y(A.size(), 0.0);
-    for (size_t i = 0; i < A.size(); ++i)
-        for (size_t j = 0; j < x.size(); ++j) y[i] += A[i][j] * x[j];
-    return y;
-}
-
-inline Dense rows_of(double *const *a, int32_t n, int32_t m) {
-    Dense D(n + 1, std::vector<double>(m + 1));
-    for (int32_t i = 0; i <= n; ++i)
-        for (int32_t j = 0; j <= m; ++j) D[i][j] = a[i][j];
-    return D;
+    return transpose(multiply(A, transpose(Dense{x})))[0];
 }
 
 inline double max_difference(const Dense &A, const Dense &B) {
@@ -119,20 +114,8 @@ inline double max_difference(const Dense &A, const Dense &B) {
         for (size_t j = 0; j < A[i].size(); ++j) d = std::max(d, std::fabs(A[i][j] - B[i][j]));
     return d;
 }
-
 inline double max_difference(const std::vector<double> &a, const std::vector<double> &b) {
-    double d = 0.0;
-    for (size_t i = 0; i < a.size(); ++i) d = std::max(d, std::fabs(a[i] - b[i]));
-    return d;
+    return max_difference(Dense{a}, Dense{b});
 }
-
-// The failure recorded: code and routine name.
-#define EXPECT_FAILURE(call, code, routine)          \
-    do {                                             \
-        E_clrerr();                                  \
-        EXPECT_EQ((call), 1);                        \
-        EXPECT_EQ(E_errtyp(), (code));               \
-        EXPECT_STREQ(E_errnam(), (routine));         \
-    } while (0)
 
 }  // namespace kwtest

@@ -1,8 +1,6 @@
 // Singular value decomposition: it rebuilds its input with orthonormal
 // factors, its back substitution gives least-squares and minimum-norm
 // solutions, and the inverse built on it inverts.
-#include <algorithm>
-
 #include "support.hpp"
 
 using namespace kwtest;
@@ -18,10 +16,14 @@ protected:
     // Decomposes a copy on stk of the (m+1) x (n+1) matrix A.
     Factors decompose(const Dense &A) {
         const auto m = static_cast<int32_t>(A.size()) - 1, n = static_cast<int32_t>(A[0].size()) - 1;
-        Factors f{m, n, S_getr2d(m, n, &stk), S_getr2d(n, n, &stk), S_getr1d(n, &stk)};
-        for (int32_t i = 0; i <= m; ++i) std::copy(A[i].begin(), A[i].end(), f.u[i]);
+        Factors f{m, n, copy(A), S_getr2d(n, n, &stk), S_getr1d(n, &stk)};
         EXPECT_EQ(M_svdcpf(f.u, f.w, f.v, m, n), 0);
         return f;
+    }
+    double **copy(const Dense &A) {
+        double **a = S_getr2d(static_cast<int32_t>(A.size()) - 1, static_cast<int32_t>(A[0].size()) - 1, &stk);
+        for (size_t i = 0; i < A.size(); ++i) std::copy(A[i].begin(), A[i].end(), a[i]);
+        return a;
     }
     Dense random_dense(int32_t m, int32_t n) { return dense(random(KW_FULL, m, n)); }
     std::vector<double> solve(const Factors &f, const std::vector<double> &b, int16_t first) {
@@ -31,7 +33,9 @@ protected:
     }
 };
 
-TEST_F(Svd, DecompositionRebuildsItsInputWithOrthonormalFactors) {
+// Orthonormal factors that rebuild A, values in descending order; for full
+// rank the least-squares solution: the residual is orthogonal to A's columns.
+TEST_F(Svd, DecompositionRebuildsItsInputAndSolvesLeastSquares) {
     for (auto [m, n] : {std::pair{0, 0}, {3, 3}, {9, 4}, {20, 1}}) {
         const Dense A = random_dense(m, n);
         const Factors f = decompose(A);
@@ -42,20 +46,17 @@ TEST_F(Svd, DecompositionRebuildsItsInputWithOrthonormalFactors) {
         EXPECT_LT(max_difference(multiply(UW, transpose(V)), A), 1e-13) << m << " " << n;
         EXPECT_LT(max_difference(multiply(transpose(U), U), identity(n + 1)), 1e-13);
         EXPECT_LT(max_difference(multiply(transpose(V), V), identity(n + 1)), 1e-13);
-        EXPECT_TRUE(std::is_sorted(f.w, f.w + n + 1, std::greater<>()));
-        EXPECT_GE(f.w[n], 0.0);
-        // Full rank: the least-squares solution, as the normal equations give it.
-        if (m == n) continue;
-        RealMatrix R = from(A);
-        const std::vector<double> b = vec(m);
-        std::vector<double> y(n + 1);
-        ASSERT_EQ(M_lsslsy(&R, b.data(), y.data()), 0);
-        EXPECT_LT(max_difference(solve(f, b, 1), y), 1e-12);
+        EXPECT_TRUE(std::is_sorted(f.w, f.w + n + 1, std::greater<>()) && f.w[n] >= 0.0);
+        const std::vector<double> b = vec(m), x = solve(f, b, 1);
+        std::vector<double> r = times(A, x);
+        for (int32_t i = 0; i <= m; ++i) r[i] -= b[i];
+        EXPECT_LT(max_difference(times(transpose(A), r), std::vector<double>(n + 1, 0.0)), 1e-12);
     }
 }
 
+// A = B C of rank 2, 7 x 5: A+ = C^T (C C^T)^-1 (B^T B)^-1 B^T. The zeroed
+// values stay for the next right side.
 TEST_F(Svd, RankDeficientSystemsGetTheMinimumNormSolution) {
-    // A = B C of rank 2, 7 x 5: A+ = C^T (C C^T)^-1 (B^T B)^-1 B^T.
     const Dense B = random_dense(6, 1), C = random_dense(1, 4), A = multiply(B, C);
     auto inverse2 = [](const Dense &M) {
         const double det = M[0][0] * M[1][1] - M[0][1] * M[1][0];
@@ -66,36 +67,26 @@ TEST_F(Svd, RankDeficientSystemsGetTheMinimumNormSolution) {
     const Factors f = decompose(A);
     const std::vector<double> b1 = vec(6), b2 = vec(6);
     EXPECT_LT(max_difference(solve(f, b1, 1), times(pinv, b1)), 1e-12);
-    // The zeroed values stay for the next right side.
     EXPECT_EQ(std::count(f.w, f.w + 5, 0.0), 3);
     EXPECT_LT(max_difference(solve(f, b2, 0), times(pinv, b2)), 1e-12);
-}
-
-TEST_F(Svd, PointAndControlPointRightSidesSolveEachComponent) {
-    const Factors f = decompose(random_dense(5, 2));
-    std::vector<Point> P(6), X(3);
-    std::vector<ControlPoint> C(6), Y(3);
-    std::vector<double> py(6), cw(6);
-    for (int32_t i = 0; i <= 5; ++i) {
-        P[i] = Point{uniform(), py[i] = uniform(), uniform()};
-        C[i] = ControlPoint{uniform(), uniform(), KW_PLANAR, cw[i] = uniform()};
+    // Point and ControlPoint right sides are solved component by component.
+    std::vector<Point> P(7), X(5);
+    std::vector<ControlPoint> Q(7), Y(5);
+    for (int32_t i = 0; i <= 6; ++i) {
+        P[i] = Point{0.0, b1[i], 1.0};
+        Q[i] = ControlPoint{1.0, 2.0, KW_PLANAR, b2[i]};
     }
-    const std::vector<double> xy = solve(f, py, 1), xw = solve(f, cw, 0);
-    ASSERT_EQ(M_svdsbf(f.u, f.w, f.v, 5, 2, P.data(), 1, 0, X.data()), 0);
-    ASSERT_EQ(M_svdsbf(f.u, f.w, f.v, 5, 2, C.data(), 2, 0, Y.data()), 0);
-    for (int32_t j = 0; j <= 2; ++j) {
-        EXPECT_NEAR(X[j].y, xy[j], 1e-14);
-        EXPECT_NEAR(Y[j].w, xw[j], 1e-14);
-        EXPECT_EQ(Y[j].z, KW_PLANAR);
-    }
+    ASSERT_EQ(M_svdsbf(f.u, f.w, f.v, 6, 4, P.data(), 1, 0, X.data()) + M_svdsbf(f.u, f.w, f.v, 6, 4, Q.data(), 2, 0, Y.data()), 0);
+    const std::vector<double> x1 = solve(f, b1, 0), x2 = solve(f, b2, 0);
+    for (int32_t j = 0; j <= 4; ++j) EXPECT_TRUE(std::fabs(X[j].y - x1[j]) < 1e-14 && std::fabs(Y[j].w - x2[j]) < 1e-14 && Y[j].z == KW_PLANAR);
 }
 
 TEST_F(Svd, InverseAndPseudoInverse) {
     Dense A = random_dense(5, 5);
-    double **a = S_getr2d(5, 5, &stk), **inv = S_getr2d(5, 5, &stk);
+    double **inv = S_getr2d(5, 5, &stk);
     for (int singular = 0; singular < 2; ++singular) {
         if (singular) A[5] = A[0];
-        for (int32_t i = 0; i <= 5; ++i) std::copy(A[i].begin(), A[i].end(), a[i]);
+        double **a = copy(A);
         ASSERT_EQ(M_svdinv(a, 5, inv), 0);
         // A A+ A = A, which for a regular A makes A+ the inverse.
         EXPECT_LT(max_difference(multiply(multiply(A, rows_of(inv, 5, 5)), A), A), 1e-11);
@@ -104,10 +95,10 @@ TEST_F(Svd, InverseAndPseudoInverse) {
 }
 
 TEST_F(Svd, ShapeValueAndIterationFailures) {
-    const Dense A = random_dense(2, 3);
-    Factors f{2, 3, S_getr2d(2, 3, &stk), S_getr2d(3, 3, &stk), S_getr1d(3, &stk)};
-    EXPECT_FAILURE(M_svdcpf(f.u, f.w, f.v, 2, 3), KW_EARG, "M_SVDCPF");
-    EXPECT_FAILURE(M_svdsbf(f.u, f.w, f.v, 2, 3, A[0].data(), 3, 1, f.w), KW_EARG, "M_SVDSBF");
+    const Dense A = random_dense(2, 3), G = random_dense(4, 3);
+    double **v = S_getr2d(3, 3, &stk), *w = S_getr1d(3, &stk);
+    EXPECT_FAILURE(M_svdcpf(copy(A), w, v, 2, 3), KW_EARG, "M_SVDCPF");
+    EXPECT_FAILURE(M_svdsbf(copy(A), w, v, 2, 3, A[0].data(), 3, 1, w), KW_EARG, "M_SVDSBF");
     const Factors z = decompose({{0, 0}, {0, 0}});
     const std::vector<double> b{1.0, 1.0};
     std::vector<double> x(2);
@@ -115,14 +106,11 @@ TEST_F(Svd, ShapeValueAndIterationFailures) {
     EXPECT_FAILURE(M_svdsbf(z.u, z.w, z.v, 1, 1, b.data(), 4, 1, x.data()), KW_EARG, "M_SVDSBF");
     const int32_t saved = M_itesvd;
     M_itesvd = 0;
-    double **g = S_getr2d(4, 3, &stk);
-    const Dense G = random_dense(4, 3);
-    for (int32_t i = 0; i <= 4; ++i) std::copy(G[i].begin(), G[i].end(), g[i]);
-    EXPECT_FAILURE(M_svdcpf(g, f.w, f.v, 4, 3), KW_ENOCONV, "M_SVDCPF");
+    EXPECT_FAILURE(M_svdcpf(copy(G), w, v, 4, 3), KW_ENOCONV, "M_SVDCPF");
     M_itesvd = saved;
-    for (int32_t i = 0; i <= 4; ++i) std::copy(G[i].begin(), G[i].end(), g[i]);
+    double **g = copy(G);
     g[2][1] = std::nan("");  // never converges, and stays inside its arrays
-    EXPECT_FAILURE(M_svdcpf(g, f.w, f.v, 4, 3), KW_ENOCONV, "M_SVDCPF");
+    EXPECT_FAILURE(M_svdcpf(g, w, v, 4, 3), KW_ENOCONV, "M_SVDCPF");
 }
 
 }  // namespace
