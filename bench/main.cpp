@@ -13,11 +13,23 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
 
 const char *const kPeers[] = {"kernel", "SISL", "OCCT", "OCCT cached"};
+// The operations in the order the table lists them; within one, the cases
+// in the order they were registered.
+const char *const kOperations[] = {"point", "ders", "surface point", "surface ders", "insert knot", "basis",
+                                   "banded solve"};
+
+int64_t rank(const std::string &group) {
+    const std::string operation = group.substr(0, group.find('/'));
+    for (size_t i = 0; i < std::size(kOperations); ++i)
+        if (operation == kOperations[i]) return int64_t(i);
+    return int64_t(std::size(kOperations));
+}
 
 class TableReporter : public benchmark::ConsoleReporter {
 public:
@@ -44,11 +56,11 @@ public:
         std::printf("\n|---|---:|");
         for (size_t i = 0; i < std::size(kPeers); ++i) std::printf("---:|");
         std::printf("\n");
-        // Groups in the order they were registered, whatever order they ran in.
-        std::vector<std::pair<int64_t, std::string>> order;
-        for (const auto &[group, first] : first_) order.emplace_back(first, group);
+        // Whatever order the cases ran in.
+        std::vector<std::tuple<int64_t, int64_t, std::string>> order;
+        for (const auto &[group, first] : first_) order.emplace_back(rank(group), first, group);
         std::sort(order.begin(), order.end());
-        for (const auto &[first, group] : order) {
+        for (const auto &[operation, first, group] : order) {
             const auto &t = times_.at(group);
             for (const auto &[impl, ns] : t) {
                 if (impl.rfind("N_", 0) != 0 && impl.rfind("M_", 0) != 0) continue;
