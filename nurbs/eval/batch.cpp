@@ -53,8 +53,7 @@ int16_t N_curdrm(const Curve *cur, int32_t n, const double *u, int16_t side, int
     const ControlPoint *Pw = cur->pol->Pw;
     const bool weighted = rational(Pw[0]);
     with_degree(cur->p, [&](auto p) KW_INLINE {
-        CurveSpan<decltype(p)> c;
-        c.enter(U, p, Pw, search_span(U, m, p, span_key(u[0], side)), weighted);
+        CurveSpan<decltype(p)> c{};  // entered at the first parameter
         with_order(k, [&](auto K) KW_INLINE {
             for (int32_t i = 0; i <= n; ++i) {
                 c.locate(U, m, p, Pw, span_key(u[i], side), weighted);

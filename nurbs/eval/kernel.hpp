@@ -136,6 +136,7 @@ KW_HOT void euclid_weighted(const ControlPoint *P, Last last, Point *E) noexcept
 // its parameters stay in one span.
 template <class Deg>
 struct CurveSpan {
+    SpanHint hint;
     int32_t span = -1;
     const ControlPoint *P = nullptr;
     Inverses<Deg> inverse;
@@ -148,11 +149,10 @@ struct CurveSpan {
         if (weighted) euclid_weighted(P, p, E);
         else upto(Degree<0>{}, p, [&](auto j) KW_INLINE { E[j] = euclid(P[j]); });
     }
-    // Enters the span of key unless it is this one.
+    // Enters the span of key unless it is known to be this one.
     KW_HOT void locate(const double *U, int32_t m, Deg p, const ControlPoint *Pw, double key,
                        bool weighted) noexcept {
-        const int32_t s = next_span(U, m, p, key, span);
-        if (s != span) enter(U, p, Pw, s, weighted);
+        if (hint.move(U, m, p, key)) enter(U, p, Pw, hint.span, weighted);
     }
 };
 

@@ -121,13 +121,8 @@ struct Direction {
     KW_HOT void derivatives(const KnotVector *knt, Deg p, double u, int16_t side, int k) noexcept {
         if (same(u, at)) return;
         at = u;
-        const int32_t s = next_span(knt->U, knt->m, p, span_key(u, side), spans.span);
-        if (s != spans.span) {
-            spans.span = s;
-            spans.inverse.fill(knt->U, s, p);
-        }
-        span = s;
-        direction_ders(knt->U, s, p, spans.inverse, u, k, ders);
+        span = spans.locate(knt->U, knt->m, p, span_key(u, side));
+        direction_ders(knt->U, span, p, spans.inverse, u, k, ders);
     }
 };
 

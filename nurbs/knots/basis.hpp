@@ -195,20 +195,41 @@ KW_HOT int32_t find_span(const double *U, int32_t m, int p, double u, int16_t si
     return search_span(U, m, p, span_key(u, side));
 }
 
-// search_span given the span of a neighbouring parameter: that span and the
-// next are tried first, which a sorted sweep nearly always hits; the same
-// answer as search_span either way.
+// search_span given the span of a neighbouring parameter, p <= last <= n:
+// that span and the next are tried first, which a sorted sweep nearly always
+// hits; the same answer as search_span either way.
 KW_HOT int32_t next_span(const double *U, int32_t m, int p, double key, int32_t last) noexcept {
     const int32_t n = m - p - 1;
     auto holds = [&](int32_t i) {
         return (i == p || U[i] <= key) && (i == n || !(U[i + 1] <= key));
     };
-    if (last >= p && last <= n) {
-        if (holds(last)) return last;
-        if (last < n && holds(last + 1)) return last + 1;
-    }
+    if (holds(last)) return last;
+    if (last < n && holds(last + 1)) return last + 1;
     return search_span(U, m, p, key);
 }
+
+// The span of the parameter before, a hint for the next one. Sorted
+// parameters nearly always stay in it or pass to the next span; random ones
+// nearly never do, and there a hint costs more than the search it may spare
+// (the branches it mispredicts, and the span's data kept that the next
+// parameter cannot use). So the hint is tried only after two parameters in a
+// row that it would have served. The span is search_span's either way.
+struct SpanHint {
+    int32_t span = -1;
+    int32_t served = 0;  // parameters in a row that the hint would have served, at most 2
+
+    // Moves to the span of key; true unless it is known to be the span
+    // before, when whatever is kept of that span must be made anew (also,
+    // unasked, when it is the same: that test would cost more).
+    KW_HOT bool move(const double *U, int32_t m, int p, double key) noexcept {
+        const int32_t last = span;
+        const bool hinted = served >= 2;
+        span = hinted ? next_span(U, m, p, key, last) : search_span(U, m, p, key);
+        const bool near = span == last || span == last + 1;
+        served = near ? served + (served < 2) : 0;
+        return !hinted || span != last;
+    }
+};
 
 // x[0..2 last + 1] := their reciprocals, two to a division, which the
 // machine does in one instruction where it divides pairs of doubles (the
@@ -306,19 +327,20 @@ KW_HOT int32_t end_basis(const double *U, int32_t m, Deg p, double u, double *N)
 // span, with the same results.
 template <class Deg>
 struct SpanBasis {
-    int32_t span = -1;
+    SpanHint hint;
     Inverses<Deg> inverse;
 
+    // The span of key and its reciprocals.
+    KW_HOT int32_t locate(const double *U, int32_t m, Deg p, double key) noexcept {
+        if (hint.move(U, m, p, key)) inverse.fill(U, hint.span, p);
+        return hint.span;
+    }
     // The non-zero basis functions at u, N[0..p], and their span; away from
     // the end knots the side chooses the span.
     KW_HOT int32_t basis(const double *U, int32_t m, Deg p, double u, int16_t side, double *N) noexcept {
         const int32_t end = end_basis(U, m, p, u, N);
         if (end >= 0) return end;
-        const int32_t s = next_span(U, m, p, span_key(u, side), span);
-        if (s != span) {
-            span = s;
-            inverse.fill(U, s, p);
-        }
+        const int32_t s = locate(U, m, p, span_key(u, side));
         basis_funs(U, s, p, inverse, u, N);
         return s;
     }
