@@ -72,13 +72,15 @@ int16_t N_surevm(const Surface *sur, int32_t n, const double *u, const double *v
         return 1;
     ControlPoint *const *Pw = sur->net->Pw;
     with_degrees(sur->p, sur->q, [&](auto p, auto q) KW_INLINE {
-        Direction<decltype(p)> a;
-        Direction<decltype(q)> b;
-        for (int32_t i = 0; i <= n; ++i) {
-            a.basis(sur->knu, p, u[i], sideu);
-            b.basis(sur->knv, q, v[i], sidev);
-            S[i] = euclid(tensor_point(a.N, p, b.N, q, Pw + a.span - p, b.span - q));
-        }
+        with_sum(Pw[0][0], [&](auto sum) KW_INLINE {
+            Direction<decltype(p)> a;
+            Direction<decltype(q)> b;
+            for (int32_t i = 0; i <= n; ++i) {
+                a.basis(sur->knu, p, u[i], sideu);
+                b.basis(sur->knv, q, v[i], sidev);
+                S[i] = euclid(tensor_point(a.N, p, b.N, q, Pw + a.span - p, b.span - q, sum));
+            }
+        });
     });
     return 0;
 }

@@ -68,6 +68,43 @@ public:
     }
 };
 
+// The same sums over control points without weights (and, Flat, without z:
+// planar): the products and sums MarkedSum takes of x, y and z, so the same
+// bits wherever every point is non-rational (and planar, when Flat).
+template <bool Flat>
+class PlainSum {
+    using Pair = double __attribute__((vector_size(16)));
+    Pair xy_ = {0.0, 0.0};
+    double z_ = 0.0;
+
+public:
+    KW_HOT void add(double N, const ControlPoint &P) noexcept {
+        Pair a;
+        std::memcpy(&a, &P.x, sizeof a);
+        xy_ += N * a;
+        if (!Flat) z_ += N * P.z;
+    }
+    KW_HOT void add(double N, const PlainSum &S) noexcept {
+        xy_ += N * S.xy_;
+        if (!Flat) z_ += N * S.z_;
+    }
+    KW_HOT ControlPoint value() const noexcept {
+        return ControlPoint{xy_[0], xy_[1], Flat ? kPlanar : z_, kNonRational};
+    }
+};
+
+// f(sum), an empty sum fit for the control points of a curve or surface
+// whose first control point is P: that point tells what they all carry (a
+// valid curve's or surface's points agree), so that non-rational ones are
+// summed without weights. Points that disagree with the first still get a
+// defined sum, not the marker-honouring one.
+template <class F>
+KW_HOT decltype(auto) with_sum(const ControlPoint &P, F &&f) {
+    if (rational(P)) return f(MarkedSum{});
+    if (planar(P)) return f(PlainSum<true>{});
+    return f(PlainSum<false>{});
+}
+
 // sum N[j] P[j], j = 0..last, over homogeneous control points.
 template <class Last>
 KW_HOT ControlPoint accumulate(const double *N, const ControlPoint *P, Last last) noexcept {
@@ -78,13 +115,12 @@ KW_HOT ControlPoint accumulate(const double *N, const ControlPoint *P, Last last
 
 // sum over i, j of Nu[i] Nv[j] P[i][j], the active block P[0..p][0..q]
 // given by its rows and the column of its first point: each row summed
-// along v, then the rows along u.
-template <class DegU, class DegV>
+// along v, then the rows along u, in sums like the empty one given.
+template <class Sum, class DegU, class DegV>
 KW_HOT ControlPoint tensor_point(const double *Nu, DegU p, const double *Nv, DegV q, ControlPoint *const *P,
-                                 int32_t column) noexcept {
-    MarkedSum sum;
+                                 int32_t column, Sum sum) noexcept {
     upto(Degree<0>{}, p, [&](auto i) KW_INLINE {
-        MarkedSum row;
+        Sum row;
         upto(Degree<0>{}, q, [&](auto j) KW_INLINE { row.add(Nv[j], P[i][column + j]); });
         sum.add(Nu[i], row);
     });

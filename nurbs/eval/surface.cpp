@@ -36,7 +36,8 @@ KW_HOT ControlPoint surface_point(const Surface *sur, double u, double v, int16_
         double Nu[kWidth<decltype(p)>], Nv[kWidth<decltype(q)>];
         const int32_t su = nonzero_basis(knu->U, knu->m, p, u, sideu, Nu);
         const int32_t sv = nonzero_basis(knv->U, knv->m, q, v, sidev, Nv);
-        return tensor_point(Nu, p, Nv, q, sur->net->Pw + su - p, sv - q);
+        ControlPoint *const *Pw = sur->net->Pw;
+        return with_sum(Pw[0][0], [&](auto sum) KW_INLINE { return tensor_point(Nu, p, Nv, q, Pw + su - p, sv - q, sum); });
     });
 }
 

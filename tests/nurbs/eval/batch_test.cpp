@@ -2,6 +2,7 @@
 // curves and surfaces of every shape, for parameters in any order, from both
 // sides; they check everything before they write, and allocate nothing but
 // the surface derivatives' one table.
+#include "nurbs/eval/kernel.hpp"
 #include "nurbs/knots/testkit.hpp"
 
 using namespace kwtest;
@@ -98,12 +99,32 @@ TEST(Batch, SurfacesGiveTheSinglePointResultsBitForBit) {
                     ASSERT_EQ(N_surevn(&s, gu[i], gv[i], side, side, &one), 0);
                     ASSERT_EQ(N_surder(&s, gu[i], gv[i], side, side, mode, k, k, &SKL), 0);
                     ASSERT_EQ(std::memcmp(&one, &S[i], sizeof one), 0) << p << " " << q << " at " << gu[i] << " " << gv[i];
+                    // Points without weights are summed without them, to
+                    // the bits of the sum that honours every marker.
+                    double Nu[kw::kTable], Nv[kw::kTable];
+                    const int32_t su = kw::nonzero_basis(s.knu->U, s.knu->m, p, gu[i], side, Nu);
+                    const int32_t sv = kw::nonzero_basis(s.knv->U, s.knv->m, q, gv[i], side, Nv);
+                    const Point marked = kw::euclid(kw::tensor_point(Nu, p, Nv, q, s.net->Pw + su - p, sv - q, kw::MarkedSum{}));
+                    ASSERT_EQ(std::memcmp(&one, &marked, sizeof one), 0) << p << " " << q << " at " << gu[i] << " " << gv[i];
                     for (int a = 0; a <= k; ++a)
                         ASSERT_EQ(std::memcmp(d[a], &D[(k + 1) * (k + 1) * i + (k + 1) * a], (k + 1) * sizeof(Point)), 0)
                             << p << " " << q << " at " << gu[i] << " " << gv[i];
                 }
             }
         }
+    // Control points that disagree with the first one still give an answer,
+    // the same from both.
+    Context ctx;
+    Surface s = surface_of(rng, 3, 3, false, false, ctx);
+    s.net->Pw[2][3].w = 2.0;
+    s.net->Pw[3][2].z = KW_PLANAR;
+    const double u[] = {0.3, 0.5, 0.7};
+    Point S[3], one;
+    ASSERT_EQ(N_surevm(&s, 2, u, u, KW_RIGHT, KW_RIGHT, S), 0);
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_EQ(N_surevn(&s, u[i], u[i], KW_RIGHT, KW_RIGHT, &one), 0);
+        EXPECT_EQ(std::memcmp(&one, &S[i], sizeof one), 0);
+    }
 }
 
 TEST(Batch, RefusalsWriteNothingAndNothingIsAllocated) {
