@@ -163,8 +163,9 @@ KW_HOT int32_t bisect(const double *U, int32_t low, int32_t len, int64_t key) no
     };
     while (len > 3) {
         const int32_t h1 = len / 2, h2 = (len - h1) / 2;
-        const bool past = at(low + h1) <= key;
-        const int64_t next = past ? at(low + h1 + h2) : at(low + h2);
+        const int64_t mid = at(low + h1), far = at(low + h1 + h2), near = at(low + h2);
+        const bool past = mid <= key;
+        const int64_t next = near ^ ((far ^ near) & -int64_t(past));
         low += (past ? h1 : 0) + (next <= key ? h2 : 0);
         len -= h1 + h2;
     }
@@ -225,7 +226,7 @@ struct SpanHint {
         const int32_t last = span;
         const bool hinted = served >= 2;
         span = hinted ? next_span(U, m, p, key, last) : search_span(U, m, p, key);
-        const bool near = span == last || span == last + 1;
+        const bool near = uint32_t(span - last) <= 1;  // span is last or last + 1
         served = near ? served + (served < 2) : 0;
         return !hinted || span != last;
     }
