@@ -58,7 +58,7 @@ TEST(Curves, DerivativesMatchDifferencesAndTheQuotientRule) {
         EXPECT_EQ(ctx.nodes(), 4);
         const int j = cur.p + 1;
         if (cur.p < 2 || cur.p > 7 || U[j] == U[j + 1] || std::count(U, U + cur.knt->m + 1, U[j]) >= cur.p) return;
-        const double x = rng.uniform(0, 1), room = U[j + 1] - U[j];
+        const double x = rng.uniform(U[j - cur.p], U[j + 1]), room = U[j + 1] - U[j];  // where U[j] counts
         Point dC;
         ASSERT_EQ(N_curdrk(&cur, j, x, KW_LEFT, KW_RIGHT, &dC, ctx.get()), 0);
         auto C = [&](double t) {
