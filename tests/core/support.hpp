@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -44,6 +45,15 @@ inline Census census(const StorageStacks *stk) {
     return c;
 }
 inline bool all_empty(const StorageStacks *stk) { return census(stk) == Census{}; }
+inline int nodes(const StorageStacks *stk) {
+    const Census c = census(stk);
+    return std::accumulate(c.begin(), c.end(), 0);
+}
+
+// A storage context for one test, emptied at the end.
+struct Context : kw::LocalStacks {
+    int nodes() const { return kwtest::nodes(const_cast<Context *>(this)->get()); }
+};
 // The census of a context holding the given numbers of nodes on the given lists.
 inline Census nodes_on(const std::vector<std::pair<int, int>> &lists) {
     Census c{};

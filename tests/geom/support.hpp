@@ -10,6 +10,7 @@
 
 namespace geomtest {
 
+using kwtest::Context;
 using kwtest::result;
 
 inline Point P3(double x, double y, double z) { return Point{x, y, z}; }
@@ -25,11 +26,5 @@ struct Random {
     Point point(double s = 1.0) { return Point{uniform(-s, s), uniform(-s, s), uniform(-s, s)}; }
 };
 
-// A storage context emptied at the end of each test.
-struct Stacks {
-    StorageStacks stk;
-    Stacks() { N_inurbs(&stk); }
-    ~Stacks() { N_enurbs(&stk); }
-};
 
 }  // namespace geomtest

@@ -25,36 +25,36 @@ TEST(PlanarTransforms, KnownImagesWithZeroZ) {
 // Each builder checks its result record: an existing one is overwritten, one
 // too small refused under the builder's name.
 TEST(Matrices, TranslationPlanarMotionAndFrame) {
-    Stacks s;
+    Context s;
     RealMatrix T, U, small;
     M_inirma(&T);
     M_inirma(&U);
-    ASSERT_EQ(G_tratrl(P3(1, 2, 3), P3(4, 4, 4), &T, &s.stk), 0);
+    ASSERT_EQ(G_tratrl(P3(1, 2, 3), P3(4, 4, 4), &T, s.get()), 0);
     EXPECT_POINT_NEAR(apply(T, P3(0, 0, 0)), P3(3, 2, 1), 1e-15);
     const double *reused = T.a[0], h = std::sqrt(0.5);
-    ASSERT_EQ(G_travec(P3(1, 1, 7), P3(1, 0, 0), P3(-2, 3, 9), P3(h, h, 0), &T, &s.stk), 0);
+    ASSERT_EQ(G_travec(P3(1, 1, 7), P3(1, 0, 0), P3(-2, 3, 9), P3(h, h, 0), &T, s.get()), 0);
     EXPECT_EQ(T.a[0], reused);
     EXPECT_POINT_NEAR(apply(T, P3(1, 1, 7)), P3(-2, 3, 0), 1e-14);
     EXPECT_POINT_NEAR(apply(T, P3(2, 1, 5)), P3(-2 + h, 3 + h, 0), 1e-14);  // a goes to b
     EXPECT_EQ(apply(T, P3(4, -3, 100)).z, 0.0);                              // row 2 flattens z
-    ASSERT_EQ(G_traort(P3(1, 1, 1), P3(0, 2, 0), P3(-1, 1, 0), &T, &s.stk), 0);
+    ASSERT_EQ(G_traort(P3(1, 1, 1), P3(0, 2, 0), P3(-1, 1, 0), &T, s.get()), 0);
     EXPECT_POINT_NEAR(apply(T, P3(1, 3, 1)), P3(2, 0, 0), 1e-15);
     EXPECT_POINT_NEAR(apply(T, P3(0, 1, 4)), P3(0, 1, 3), 1e-15);
-    EXPECT_FAILURE(G_traort(P3(0, 0, 0), P3(1, 1, 0), P3(-2, -2, 0), &U, &s.stk), 11, "G_TRAORT");
+    EXPECT_FAILURE(G_traort(P3(0, 0, 0), P3(1, 1, 0), P3(-2, -2, 0), &U, s.get()), 11, "G_TRAORT");
     EXPECT_TRUE(M_isrman(&U));  // refused before the record was touched
-    ASSERT_EQ(M_getrma(&small, 2, 2, KW_FULL, 3, &s.stk), 0);
-    EXPECT_FAILURE(G_tratrl(P3(0, 0, 0), P3(1, 1, 1), &small, &s.stk), 9, "G_TRATRL");
+    ASSERT_EQ(M_getrma(&small, 2, 2, KW_FULL, 3, s.get()), 0);
+    EXPECT_FAILURE(G_tratrl(P3(0, 0, 0), P3(1, 1, 1), &small, s.get()), 9, "G_TRATRL");
 }
 
 TEST(Matrices, GeneralRotationKeepsItsAxisDistancesAndAngle) {
-    Stacks s;
+    Context s;
     Random rnd;
     RealMatrix T;
     M_inirma(&T);
     for (int k = 0; k < 10; ++k) {
         const Point C = rnd.point(5.0), n = rnd.point(), A = rnd.point(5.0), B = rnd.point(5.0);
         const double angle = rnd.uniform(0.0, 360.0);
-        ASSERT_EQ(G_tragnr(C, n, angle, &T, &s.stk), 0);
+        ASSERT_EQ(G_tragnr(C, n, angle, &T, s.get()), 0);
         const Point onAxis = P3(C.x + 2 * n.x, C.y + 2 * n.y, C.z + 2 * n.z);
         EXPECT_POINT_NEAR(apply(T, onAxis), onAxis, 1e-12);
         EXPECT_NEAR(dist(apply(T, A), apply(T, B)), dist(A, B), 1e-12);
@@ -67,9 +67,9 @@ TEST(Matrices, GeneralRotationKeepsItsAxisDistancesAndAngle) {
         ASSERT_EQ(G_vecdan(u, v, n, &deg), 0);
         EXPECT_NEAR(std::remainder(deg - angle, 360.0), 0.0, 1e-8);
     }
-    EXPECT_FAILURE(G_tragnr(P3(0, 0, 0), P3(0, 0, 0), 30, &T, &s.stk), 17, "G_VECNIP");
+    EXPECT_FAILURE(G_tragnr(P3(0, 0, 0), P3(0, 0, 0), 30, &T, s.get()), 17, "G_VECNIP");
     // Applied to an array; a point sent to infinity is refused, Q untouched.
-    ASSERT_EQ(G_tragnr(P3(0, 0, 0), P3(0, 0, 1), 90, &T, &s.stk), 0);
+    ASSERT_EQ(G_tragnr(P3(0, 0, 0), P3(0, 0, 1), 90, &T, s.get()), 0);
     Point P[2] = {P3(1, 0, 0), P3(3, 3, 3)}, Q[2];
     ASSERT_EQ(G_traxyz(P, 1, &T, Q), 0);
     EXPECT_POINT_NEAR(Q[0], P3(0, 1, 0), 1e-15);
@@ -81,11 +81,11 @@ TEST(Matrices, GeneralRotationKeepsItsAxisDistancesAndAngle) {
 }
 
 TEST(AxialDeformation, ScalesAndTwistsByTheFunction) {
-    Stacks s;
+    Context s;
     // f(u) = u and f(u) = 1 + u^2 / 4 on [0, 2].
     double v1[2] = {0, 2}, U1[4] = {0, 0, 2, 2}, v2[3] = {1, 1, 2}, U2[6] = {0, 0, 0, 2, 2, 2};
     CurveFunction lin, quad;
-    ASSERT_EQ(U_makcf2(&lin, v1, 1, 1, U1, 3, &s.stk) + U_makcf2(&quad, v2, 2, 2, U2, 5, &s.stk), 0);
+    ASSERT_EQ(U_makcf2(&lin, v1, 1, 1, U1, 3, s.get()) + U_makcf2(&quad, v2, 2, 2, U2, 5, s.get()), 0);
     for (const auto &[f, P, axis, mode, factor, want] : {std::tuple{&lin, P3(1.5, 2, 3), 1, 1, 2.0, P3(1.5, 6, 3)},  // y by 2 f(x)
                                                           {&quad, P3(1, 2, 3), 1, 3, 1.0, P3(1, 2.5, 3.75)},
                                                           {&quad, P3(2, 2, 4), 1, 3, 1.0, P3(2, 4, 8)},   // the range's end

@@ -24,7 +24,7 @@ inline Curve *quarter_weighted(int kind, int32_t n, int16_t p, std::mt19937_64 &
 }
 
 struct Written {
-    Stacks stk;
+    Context stk;
     std::vector<Curve *> cur;  // every kind of degrees 1, 2, 3, 5
     std::vector<Surface *> sur;  // polynomial and rational
     const Point lin[4] = {{0, 0, 0}, {1, 2, 3}, {-4, 5.5, 0.25}, {7, 8, -9}};

@@ -1,5 +1,5 @@
-// Shared helpers of the text and IGES tests: contexts, files, streams and
-// objects with known values.
+// Shared helpers of the text and IGES tests: files, streams, objects with
+// known values, their values compared, and what the IGES reader gives back.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,24 +17,7 @@
 
 namespace kwt {
 
-// A storage context for one test, emptied at the end.
-class Stacks {
-public:
-    Stacks() { N_inurbs(&stk_); }
-    ~Stacks() { N_enurbs(&stk_); }
-    StorageStacks *get() { return &stk_; }
-    // How many allocations the context holds.
-    int nodes() const {
-        int count = 0;
-        for (const StackNode *head : stk_.head)
-            for (const StackNode *node = head; node; node = node->next) ++count;
-        return count;
-    }
-    bool empty() const { return nodes() == 0; }
-
-private:
-    StorageStacks stk_;
-};
+using kwtest::Context;
 
 // A file in the working directory, removed at the end.
 class TempFile {
@@ -101,8 +84,6 @@ inline double through_text(double x) {
     return std::strtod(buf, nullptr);
 }
 
-inline bool same_bits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
-
 // Clamped knots 0 .. 1 of degree p over n+1 control points, interior ones
 // uniform.
 inline void uniform_knots(double *U, int32_t n, int16_t p) {
@@ -125,30 +106,52 @@ inline void random_curve(Curve *c, int kind, int32_t n, int16_t p, std::mt19937_
     uniform_knots(c->knt->U, n, p);
 }
 
-// Every value of b is f of the value of a (markers pass unchanged).
-template <class F>
-void expect_curve(const Curve *a, const Curve *b, F f) {
-    ASSERT_TRUE(a->pol->n == b->pol->n && a->p == b->p && a->knt->m == b->knt->m);
-    auto g = [&](double x) { return x == KW_PLANAR || x == KW_NONRATIONAL ? x : f(x); };
-    for (int32_t i = 0; i <= a->pol->n; ++i) {
-        const ControlPoint &P = a->pol->Pw[i], &Q = b->pol->Pw[i];
-        EXPECT_TRUE(same_bits(Q.x, g(P.x)) && same_bits(Q.y, g(P.y)) && same_bits(Q.z, g(P.z)) && same_bits(Q.w, g(P.w)))
-            << "control point " << i;
+// The counts of a curve or surface, then every stored value: control
+// points as stored, markers included, then the knots.
+inline std::vector<double> values(const Curve *c) {
+    std::vector<double> v = {double(c->pol->n), double(c->p), double(c->knt->m)};
+    for (int32_t i = 0; i <= c->pol->n; ++i) v.insert(v.end(), {c->pol->Pw[i].x, c->pol->Pw[i].y, c->pol->Pw[i].z, c->pol->Pw[i].w});
+    v.insert(v.end(), c->knt->U, c->knt->U + c->knt->m + 1);
+    return v;
+}
+inline std::vector<double> values(const Surface *s) {
+    const ControlNet *net = s->net;
+    std::vector<double> v = {double(net->n), double(net->m), double(s->p), double(s->q), double(s->knu->m), double(s->knv->m)};
+    for (int32_t i = 0; i <= net->n; ++i)
+        for (int32_t j = 0; j <= net->m; ++j) v.insert(v.end(), {net->Pw[i][j].x, net->Pw[i][j].y, net->Pw[i][j].z, net->Pw[i][j].w});
+    v.insert(v.end(), s->knu->U, s->knu->U + s->knu->m + 1);
+    v.insert(v.end(), s->knv->U, s->knv->U + s->knv->m + 1);
+    return v;
+}
+
+// Every value of b is f of the value of a, bit for bit (markers pass
+// unchanged).
+template <class R, class F>
+void expect_values(const R *a, const R *b, F f) {
+    const std::vector<double> va = values(a), vb = values(b);
+    ASSERT_EQ(va.size(), vb.size());
+    for (std::size_t i = 0; i < va.size(); ++i) {
+        const double want = va[i] == KW_PLANAR || va[i] == KW_NONRATIONAL ? va[i] : f(va[i]);
+        EXPECT_EQ(kwtest::bits(vb[i]), kwtest::bits(want)) << "value " << i << ": " << vb[i] << ", not " << want;
     }
-    for (int32_t j = 0; j <= a->knt->m; ++j) EXPECT_TRUE(same_bits(b->knt->U[j], g(a->knt->U[j]))) << "knot " << j;
 }
-// Every element of two curves agrees bit for bit.
-inline void expect_same_curve(const Curve *a, const Curve *b) {
-    expect_curve(a, b, [](double x) { return x; });
+template <class R>
+void expect_same(const R *a, const R *b) {
+    expect_values(a, b, [](double x) { return x; });
 }
-// Every value of b is what the text format makes of the value of a.
-inline void expect_through_text(const Curve *a, const Curve *b) { expect_curve(a, b, through_text); }
+// Every value of b within tol of that of a; markers where a has them.
+template <class R>
+void expect_near(const R *a, const R *b, double tol) {
+    const std::vector<double> va = values(a), vb = values(b);
+    ASSERT_EQ(va.size(), vb.size());
+    for (std::size_t i = 0; i < va.size(); ++i) EXPECT_NEAR(vb[i], va[i], tol) << "value " << i;
+}
 
 inline std::string error_name() { return E_errnam(); }
 
 // What U_inpigs gives back, on a context of its own.
 struct Import {
-    Stacks stk;
+    Context stk;
     Curve **cur = nullptr;
     Surface **sur = nullptr;
     RealMatrix mat{-1, -1, nullptr, KW_FULL, 0};

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "io/numbers.hpp"
+#include "nurbs/eval/shapes.hpp"
 #include "support.hpp"
 
 using namespace kwt;
@@ -50,69 +51,48 @@ TEST(TextNumbers, FormattingMatchesPrintfAndOnlyDecimalsAreRead) {
 
 // Every kind of curve, written and read back through a file and through a
 // stream, holds the values that 16 decimals give, and writes the same file
-// again.
-TEST(TextRoundTrip, CurvesOfEveryKind) {
+// again; so do surfaces, point arrays and curve arrays, and several objects
+// in one stream, each read leaving the stream at the next.
+TEST(TextRoundTrip, EveryObjectKind) {
     std::mt19937_64 rng(11);
     for (int kind = 1; kind <= 4; ++kind) {
         for (auto [n, p] : {std::pair<int32_t, int16_t>{1, 1}, {3, 3}, {9, 2}, {40, 5}}) {
-            Stacks stk;
+            Context stk;
             Curve c, back, again;
             random_curve(&c, kind, n, p, rng, stk.get());
             TempFile file, rewritten;
             U_inicur(&back);
             U_inicur(&again);
             ASSERT_EQ(U_outcur(&c, file.path()) + U_inpcur(&back, file.path(), 0, stk.get()), 0);
-            expect_through_text(&c, &back);
+            expect_values(&c, &back, through_text);
             Stream stream(file.read());
             ASSERT_EQ(U_inpcup(&again, stream.get(), 1, stk.get()) + U_outcur(&again, rewritten.path()), 0);
-            expect_same_curve(&back, &again);
+            expect_same(&back, &again);
             EXPECT_EQ(rewritten.read(), file.read()) << "kind " << kind;
         }
     }
-}
-
-// Surfaces, point arrays and curve arrays through files; several objects in
-// one stream, each read leaving the stream at the next.
-TEST(TextRoundTrip, SurfacesPointArraysAndCurveArrays) {
-    std::mt19937_64 rng(5);
-    std::uniform_real_distribution<double> coord(-3.0, 3.0), weight(0.5, 2.0);
+    Context stk;
     for (bool rational : {false, true}) {
-        Stacks stk;
-        Surface s, back;
-        U_inisur(&s);
+        Surface *s = kwtest::wavy_surface(rational, 3, 2, 2, 1, stk.get()), back;
         U_inisur(&back);
-        ASSERT_EQ(U_surchk(&s, 3, 2, 2, 1, 6, 4, test_name, stk.get()), 0);
-        for (int i = 0; i <= 3; ++i)
-            for (int j = 0; j <= 2; ++j) s.net->Pw[i][j] = ControlPoint{coord(rng), coord(rng), coord(rng), rational ? weight(rng) : KW_NONRATIONAL};
-        uniform_knots(s.knu->U, 3, 2);
-        uniform_knots(s.knv->U, 2, 1);
         TempFile file;
-        ASSERT_EQ(U_outsur(&s, file.path()) + U_inpsur(&back, file.path(), 1, stk.get()), 0);
-        EXPECT_TRUE(back.net->n == 3 && back.net->m == 2 && back.p == 2 && back.q == 1);
-        for (int i = 0; i <= 3; ++i)
-            for (int j = 0; j <= 2; ++j) {
-                EXPECT_EQ(back.net->Pw[i][j].z, through_text(s.net->Pw[i][j].z));
-                EXPECT_EQ(back.net->Pw[i][j].w, rational ? through_text(s.net->Pw[i][j].w) : KW_NONRATIONAL);
-            }
-        EXPECT_EQ(back.knv->U[2], through_text(s.knv->U[2]));
+        ASSERT_EQ(U_outsur(s, file.path()) + U_inpsur(&back, file.path(), 1, stk.get()), 0);
+        expect_values(s, &back, through_text);
     }
-    Stacks stk;
     Point line[3] = {{1, 2, 3}, {0.1, -0.2, KW_PLANAR}, {1e-9, 7, -7}}, row0[2] = {{0, 0, 0}, {1, 0, 0}}, row1[2] = {{0, 1, 0}, {1, 1, 0.5}};
     Point *grid[2] = {row0, row1}, *P1, **P2, *Q;
     Curve a, b, *pair[2] = {&a, &b}, **cs, ra, rb;
     random_curve(&a, 1, 3, 2, rng, stk.get());
     random_curve(&b, 4, 5, 3, rng, stk.get());
-    int32_t n, m, k;
+    int32_t n1, n, m, k;
     TempFile f1, f2, f3;
     ASSERT_EQ(U_outp1d(line, 2, f1.path()) + U_outp2d(grid, 1, 1, f2.path()) + U_outcua(pair, 1, f3.path()), 0);
-    ASSERT_EQ(U_inpp1d(&P1, &n, f1.path(), stk.get()), 0);
-    EXPECT_TRUE(n == 2 && P1[1].y == through_text(-0.2) && P1[1].z == KW_PLANAR);
-    ASSERT_EQ(U_inpp2d(&P2, &n, &m, f2.path(), stk.get()), 0);
-    EXPECT_TRUE(n == 1 && m == 1 && P2[1][1].z == 0.5);
+    ASSERT_EQ(U_inpp1d(&P1, &n1, f1.path(), stk.get()) + U_inpp2d(&P2, &n, &m, f2.path(), stk.get()), 0);
+    EXPECT_TRUE(n1 == 2 && n == 1 && m == 1 && P1[1].y == through_text(-0.2) && P1[1].z == KW_PLANAR && P2[1][1].z == 0.5);
     ASSERT_EQ(U_inpcua(&cs, &k, f3.path(), 0, stk.get()), 0);
     ASSERT_EQ(k, 1);
-    expect_through_text(&a, cs[0]);
-    expect_through_text(&b, cs[1]);
+    expect_values(&a, cs[0], through_text);
+    expect_values(&b, cs[1], through_text);
     FILE *f = std::tmpfile();
     ASSERT_EQ(U_outcup(&b, f) + U_outp1s(line, 2, f) + U_outcup(&a, f), 0);
     std::rewind(f);
@@ -120,17 +100,17 @@ TEST(TextRoundTrip, SurfacesPointArraysAndCurveArrays) {
     U_inicur(&rb);
     EXPECT_EQ(U_inpcup(&ra, f, 0, stk.get()) + U_inpp1s(&Q, &n, f, stk.get()) + U_inpcup(&rb, f, 0, stk.get()), 0);
     std::fclose(f);
-    expect_through_text(&b, &ra);
-    expect_through_text(&a, &rb);
-    EXPECT_EQ(Q[2].z, -7.0);
+    expect_values(&b, &ra, through_text);
+    expect_values(&a, &rb, through_text);
+    EXPECT_TRUE(n == 2 && Q[2].z == -7.0);
 }
 
 // A 2-D non-rational cubic: four header lines, four lines of two numbers,
 // eight knots; read back checked, it carries both markers. A checked read
-// reduces (equal weights, z = 0) and validates; an unchecked one keeps what
-// the file says.
-TEST(TextLayout, CubicAndCheckedReads) {
-    Stacks stk;
+// reduces (weights that agree within one thousandth, z = 0) and validates;
+// an unchecked one keeps what the file says.
+TEST(TextLayout, CubicCheckedReadsAndReductions) {
+    Context stk;
     Curve c, back, raw, e;
     U_inicur(&c);
     ASSERT_EQ(U_curchk(&c, 3, 3, 7, test_name, stk.get()), 0);
@@ -156,32 +136,22 @@ TEST(TextLayout, CubicAndCheckedReads) {
     EXPECT_TRUE(U_iscurr(&raw) && U_iscur3(&raw));
     EXPECT_EQ(U_inpcup(&e, s3.get(), 1, stk.get()), 1);  // the knots of a bad file are refused
     EXPECT_TRUE(E_errtyp() == KW_EKNOTS && error_name() == "U_INPCUP" && U_iscurn(&e));
-}
-
-// Weights that agree within one thousandth make a curve non-rational; only
-// flag 1 makes a curve with z = 0 2-D.
-TEST(TextLayout, Reductions) {
-    Stacks stk;
-    Curve c;
-    U_inicur(&c);
-    ASSERT_EQ(U_curchk(&c, 1, 1, 3, test_name, stk.get()), 0);
-    uniform_knots(c.knt->U, 1, 1);
-    c.pol->Pw[0] = ControlPoint{2.0, 4.0, 0.0, 2.0};
-    c.pol->Pw[1] = ControlPoint{2.0011, 0.0, 0.0, 2.0011};
-    EXPECT_FALSE(U_arecwe(&c));
-    c.pol->Pw[1] = ControlPoint{2.0009, 0.0, 0.0, 2.0009};
-    EXPECT_TRUE(U_arecwe(&c));
-    U_currpr(&c, 0);
-    EXPECT_TRUE(!U_iscurr(&c) && U_iscur3(&c) && c.pol->Pw[0].y == 2.0);
-    U_currpr(&c, 1);
-    EXPECT_FALSE(U_iscur3(&c));
+    raw.pol->Pw[0] = ControlPoint{2.0, 4.0, 0.0, 2.0};
+    raw.pol->Pw[1] = ControlPoint{2.0011, 0.0, 0.0, 2.0011};
+    EXPECT_FALSE(U_arecwe(&raw));
+    raw.pol->Pw[1] = ControlPoint{2.0009, 0.0, 0.0, 2.0009};
+    EXPECT_TRUE(U_arecwe(&raw));
+    U_currpr(&raw, 0);  // only flag 1 makes a curve with z = 0 2-D
+    EXPECT_TRUE(!U_iscurr(&raw) && U_iscur3(&raw) && raw.pol->Pw[0].y == 2.0);
+    U_currpr(&raw, 1);
+    EXPECT_FALSE(U_iscur3(&raw));
 }
 
 // A read into a large enough curve reuses it; into a small one it is refused
 // with code 9, leaving the curve alone. Writers refuse a bad curve or stream
 // without touching the file.
 TEST(TextLayout, OutputRecordsAndRefusals) {
-    Stacks stk;
+    Context stk;
     std::mt19937_64 rng(3);
     Curve small, big, target, too_small;
     random_curve(&small, 2, 2, 1, rng, stk.get());
@@ -218,30 +188,19 @@ void count_pause() { ++pauses; }
 // The console layout has two blanks between numbers; an installed pause
 // routine is announced and called after each object.
 TEST(TextPrinters, ConsoleLayoutAndPause) {
-    Stacks stk;
+    Context stk;
+    ControlPoint P[2] = {{1, 2, 3, 1}, {-1, 0.5, 0, 2}};
+    double U[4] = {0, 0, 1, 1}, f0[2] = {0.25, -4}, half[3] = {0.5, 0.5, 0.5}, g0[2] = {1, 2}, *g[1] = {g0};
     Curve c, empty;
     CurveFunction f;
-    SurfaceFunction g;
-    U_inicur(&c);
+    SurfaceFunction s;
     U_inicur(&empty);
-    U_inicfn(&f);
-    U_inisfn(&g);
-    ASSERT_EQ(U_curchk(&c, 1, 1, 3, test_name, stk.get()) + U_cfnchk(&f, 1, 0, 2, test_name, stk.get()) +
-                  U_sfnchk(&g, 0, 1, 0, 1, 1, 3, test_name, stk.get()), 0);
-    c.pol->Pw[0] = ControlPoint{1, 2, 3, 1};
-    c.pol->Pw[1] = ControlPoint{-1, 0.5, 0, 2};
-    uniform_knots(c.knt->U, 1, 1);
-    f.cvl->v[0] = 0.25;
-    f.cvl->v[1] = -4;
-    std::fill_n(f.knt->U, 3, 0.5);
-    g.svl->v[0][0] = 1;
-    g.svl->v[0][1] = 2;
-    uniform_knots(g.knu->U, 0, 0);
-    uniform_knots(g.knv->U, 1, 1);
+    ASSERT_EQ(U_makcu2(&c, P, 1, 1, U, 3, stk.get()) + U_makcf2(&f, f0, 1, 0, half, 2, stk.get()) +
+                  U_maksf2(&s, g, 0, 1, 0, 1, U + 1, U, 1, 3, stk.get()), 0);
     std::string out = printed([&] { return U_prtcur(&c); });
     EXPECT_EQ(lines_of(out)[4], "1.0000000000000000  2.0000000000000000  3.0000000000000000  1.0000000000000000");
     EXPECT_EQ(out.find("Hit any key"), std::string::npos);
-    const std::vector<std::string> fn = lines_of(printed([&] { return U_prtcfn(&f) + U_prtsfn(&g); }));
+    const std::vector<std::string> fn = lines_of(printed([&] { return U_prtcfn(&f) + U_prtsfn(&s); }));
     ASSERT_EQ(fn.size(), 7u + 2u + 2u + 2u + 4u);
     EXPECT_TRUE(fn[3] == "-4.0000000000000000" && fn[8] == "0  1" && fn[10] == "2.0000000000000000");
     U_prtpau(count_pause);

@@ -1,5 +1,5 @@
-// Boxes of curves and surfaces: they hold every point of the geometry,
-// reach its extremes, and lie within the box of the control points.
+// Boxes of curves and surfaces: each side is the extreme of the geometry
+// itself, not of the control points.
 #include <array>
 
 #include "nurbs/eval/shapes.hpp"
@@ -9,9 +9,8 @@ using namespace kwtest;
 
 namespace {
 
-using Sides = std::array<double, 6>;  // xmin, xmax, ymin, ymax, zmin, zmax
-
-Sides sides(const Box &b) { return {b.xmin, b.xmax, b.ymin, b.ymax, b.zmin, b.zmax}; }
+// xmin, xmax, ymin, ymax, zmin, zmax.
+std::array<double, 6> sides(const Box &b) { return {b.xmin, b.xmax, b.ymin, b.ymax, b.zmin, b.zmax}; }
 double coord(const Point &P, int c) { return c == 0 ? P.x : c == 1 ? P.y : P.z; }
 
 // The greatest of f over [a, b], f unimodal there, by golden section.
@@ -26,37 +25,15 @@ double peak(F f, double a, double b) {
     return std::max({fc, fd, f(a), f(b)});
 }
 
-// The box of the Cartesian control points.
-template <class Each>
-Sides control_box(Each each) {
-    Sides s = {DBL_MAX, -DBL_MAX, DBL_MAX, -DBL_MAX, DBL_MAX, -DBL_MAX};
-    each([&](const ControlPoint &Pw) {
-        const Point P = cartesian(Pw);
-        for (int c = 0; c < 3; ++c) {
-            s[2 * c] = std::min(s[2 * c], coord(P, c));
-            s[2 * c + 1] = std::max(s[2 * c + 1], coord(P, c));
-        }
-    });
-    return s;
-}
-
-void expect_inside(const Sides &box, const Sides &outer, double tol) {
-    for (int c = 0; c < 3; ++c) {
-        EXPECT_GE(box[2 * c], outer[2 * c] - tol) << "side " << 2 * c;
-        EXPECT_LE(box[2 * c + 1], outer[2 * c + 1] + tol) << "side " << 2 * c + 1;
-    }
-}
-
 }  // namespace
 
-TEST(CurveBox, HoldsEverySampleReachesTheExtremesWithinTheControlBox) {
+// Each side is the greatest sample, refined by golden section around it.
+TEST(CurveBox, EachSideIsTheCurvesExtreme) {
     each_curve(31, 1, [](Curve &cur, Context &, Rng &) {
         Box box;
         ASSERT_EQ(N_curbox(&cur, &box), 0);
-        const Sides b = sides(box);
-        const Sides control = control_box([&](auto f) { for (int i = 0; i <= cur.pol->n; ++i) f(cur.pol->Pw[i]); });
-        const double tol = 1e-12 * std::max(1.0, *std::max_element(control.begin(), control.end()));
-        expect_inside(b, control, tol);
+        const auto b = sides(box);
+        const double tol = 1e-12 * std::max(1.0, *std::max_element(b.begin(), b.end()));
         const int dims = cur.pol->Pw[0].z == KW_PLANAR ? 2 : 3;
         if (dims == 2) EXPECT_TRUE(box.zmin == 0.0 && box.zmax == 0.0);
         constexpr int kSamples = 20000;
@@ -71,31 +48,26 @@ TEST(CurveBox, HoldsEverySampleReachesTheExtremesWithinTheControlBox) {
                 return s * coord(P, c);
             };
             int best = 0;
-            for (int i = 0; i <= kSamples; ++i) {
-                EXPECT_LE(s * coord(C[i], c), s * b[k] + tol) << "side " << k << " sample " << i;
+            for (int i = 0; i <= kSamples; ++i)
                 if (s * coord(C[i], c) > s * coord(C[best], c)) best = i;
-            }
             const double top = peak(value, double(best - 1) / kSamples, double(best + 1) / kSamples);
             EXPECT_NEAR(s * b[k], top, tol) << "side " << k << " degree " << cur.p;
         }
     });
-}
-
-// Three arcs of 120 degrees: the extremes lie inside the pieces.
-TEST(CurveBox, CircleOfThreeArcs) {
+    // Three arcs of 120 degrees: the extremes lie inside the pieces.
     Context ctx;
     Curve c;
     three_arc_circle(&c, 3, -1, ctx.get());
     Box box;
     ASSERT_EQ(N_curbox(&c, &box), 0);
-    const Sides want = {2, 4, -2, 0, 0, 0}, got = sides(box);
+    const std::array<double, 6> want = {2, 4, -2, 0, 0, 0}, got = sides(box);
     for (int k = 0; k < 6; ++k) EXPECT_NEAR(got[k], want[k], 1e-15) << k;
 }
 
 // z = A(u) B(v) over a net of x = i, y = j: the box of z is that of the
 // product of the curves (i, a_i) and (j, b_j), rational too; with B
 // constant the extreme runs along a whole ridge.
-TEST(SurfaceBox, ProductsOfCurvesHoldEverySample) {
+TEST(SurfaceBox, ProductsOfCurves) {
     Rng rng{std::mt19937_64(7)};
     for (int shape = 0; shape < 12; ++shape) {
         Context ctx;
@@ -121,18 +93,8 @@ TEST(SurfaceBox, ProductsOfCurvesHoldEverySample) {
             }
         Box box, a, b;
         ASSERT_EQ(N_surbox(&s, &box) + N_curbox(&A, &a) + N_curbox(&B, &b), 0);
-        const Sides got = sides(box), want = {0, double(n), 0, double(m), a.ymin * b.ymin, a.ymax * b.ymax};
+        const std::array<double, 6> got = sides(box), want = {0, double(n), 0, double(m), a.ymin * b.ymin, a.ymax * b.ymax};
         for (int k = 0; k < 6; ++k) EXPECT_NEAR(got[k], want[k], 1e-11 * std::max(1.0, std::fabs(want[k]))) << "shape " << shape << " side " << k;
-        const Sides control = control_box([&](auto f) { for (int i = 0; i <= n; ++i) for (int j = 0; j <= m; ++j) f(s.net->Pw[i][j]); });
-        expect_inside(got, control, 1e-12 * control[5]);
-        for (int i = 0; i <= 60; ++i)
-            for (int j = 0; j <= 60; ++j) {
-                const Point P = surface_point(s, i / 60.0, j / 60.0);
-                for (int c = 0; c < 3; ++c) {
-                    EXPECT_GE(coord(P, c), got[2 * c] - 1e-12 * control[5]);
-                    EXPECT_LE(coord(P, c), got[2 * c + 1] + 1e-12 * control[5]);
-                }
-            }
     }
 }
 
@@ -147,7 +109,6 @@ TEST(Boxes, RefuseBadInputAndSurviveEveryAllocationFailure) {
     Surface s;
     U_inisur(&s);
     expect_failure(N_surbox(&s, &box), KW_ESURFACE, "N_SURBOX");
-    EXPECT_GT(sweep([](Context &cx) { return wavy_surface(true, 3, 2, 2, 2, cx.get()); },
-                    [&box](Surface *f, Context &) { return N_surbox(f, &box); }),
-              0);
+    EXPECT_FALSE(sweep(swept([](StorageStacks *stk) { return wavy_surface(true, 3, 2, 2, 2, stk); },
+                             [&box](Surface *f, StorageStacks *) { return N_surbox(f, &box); })).empty());
 }

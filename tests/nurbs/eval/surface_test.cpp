@@ -1,6 +1,6 @@
-// Points, partial derivatives and normals of random surfaces against finite
-// differences and curves through the net; the derivative modes; the bounds
-// of a degenerate normal; failures.
+// Partial derivatives of random surfaces against finite differences (the
+// differential tests compare them with the peers), the derivative modes,
+// points and normals alike; the bounds of a degenerate normal; failures.
 #include "nurbs/knots/testkit.hpp"
 
 using namespace kwtest;
@@ -36,13 +36,13 @@ struct Partials {
 
 }  // namespace
 
-TEST(Surfaces, PartialsPointsAndNormalsAgreeWithDifferencesAndCurvesThroughTheNet) {
+TEST(Surfaces, PartialsModesPointsAndNormalsAgree) {
     Rng rng{std::mt19937_64(21)};
     for (int shape = 0; shape < 100; ++shape) {  // degrees 1..5 each way, rational or not, 3-D or planar
         Context ctx;
         const bool rational = shape / 25 % 2;
         Surface sur = random_surface(rng, 1 + shape % 5, 1 + shape / 5 % 5, rational, shape / 50, ctx);
-        const int p = sur.p, q = sur.q, n = sur.net->n;
+        const int p = sur.p, q = sur.q;
         const double u = rng.uniform(0, 1), v = rng.uniform(0, 1), h = 1e-6;
         Partials S, F[2][2];  // at (u, v); at u -+ h; at v -+ h
         ASSERT_EQ(S.eval(sur, u, v), 0);
@@ -55,21 +55,6 @@ TEST(Surfaces, PartialsPointsAndNormalsAgreeWithDifferencesAndCurvesThroughTheNe
                                   1e-5 * std::max({1.0, mag(S.d[k][l]), mag(S.d[a][b])})) << k << l << dir;
                 if (!rational && (k > p || l > q)) EXPECT_EQ(mag(S.d[k][l]), 0.0);  // orders above the degree
             }
-        // Derivative l of the row curves at v is the u-polygon of the l-th
-        // v-derivative: mixed partials of polynomial surfaces, and for l = 0
-        // the isoparametric curve, rational or not.
-        for (int l = 0; l <= (rational ? 0 : 5); ++l) {
-            std::vector<ControlPoint> polygon(n + 1);
-            Curve row, col;
-            ControlPoint W[6];
-            Point K[6];
-            for (int i = 0; i <= n; ++i) {
-                ASSERT_EQ(U_makcu2(&row, sur.net->Pw[i], sur.net->m, q, sur.knv->U, sur.knv->m, ctx.get()) + N_currdr(&row, v, 1, 5, W, ctx.get()), 0);
-                polygon[i] = W[l];
-            }
-            ASSERT_EQ(U_makcu2(&col, polygon.data(), n, p, sur.knu->U, sur.knu->m, ctx.get()) + N_curder(&col, u, 1, 5, K), 0);
-            for (int k = 0; k <= 5; ++k) EXPECT_CLOSE(S.d[k][l], K[k], 1e-11) << k << l;
-        }
         for (int16_t ku = 0; ku <= 5; ++ku)  // mode 1: the triangle k + l <= ku when ku == kv, else the rectangle
             for (int16_t kv : {ku, int16_t(5 - ku)}) {
                 Partials T;

@@ -10,8 +10,8 @@
 #include <random>
 #include <vector>
 
-#include "core/alloc.hpp"
 #include "core/arith.hpp"
+#include "core/fault_sweep.hpp"
 #include "knotwork.h"
 
 namespace kwtest {
@@ -27,22 +27,6 @@ struct Rng {
     int integer(int a, int b) { return a + int(g() % uint64_t(b - a + 1)); }
 };
 
-class Context {
-public:
-    Context() { N_inurbs(&stk_); }
-    ~Context() { N_enurbs(&stk_); }
-    StorageStacks *get() { return &stk_; }
-    int nodes() const {  // what a routine that kills its scratch leaves
-        int c = 0;
-        for (const StackNode *n : stk_.head)
-            for (; n; n = n->next) ++c;
-        return c;
-    }
-
-private:
-    StorageStacks stk_;
-};
-
 inline char *name() {
     static char s[] = "TEST";
     return s;
@@ -51,7 +35,7 @@ inline char *name() {
 // A curve of degree p with n + 1 control points in [-2, 2]^3 (weights in
 // [0.3, 3] when rational) on clamped knots over [0, 1] whose interior knots
 // repeat 1..maxmult times.
-inline Curve random_curve(Rng &rng, int p, int n, bool rational, bool planar, int maxmult, Context &ctx) {
+inline Curve random_curve(Rng &rng, int p, int n, bool rational, bool planar, int maxmult, StorageStacks *stk) {
     std::vector<double> U(p + 1, 0.0);
     while (int(U.size()) < n + 1) {
         const double at = U.back() + rng.uniform(0.2, 1.0);
@@ -62,7 +46,7 @@ inline Curve random_curve(Rng &rng, int p, int n, bool rational, bool planar, in
     U.insert(U.end(), p + 1, 1.0);
     Curve cur;
     U_inicur(&cur);
-    EXPECT_EQ(U_curchk(&cur, n, int16_t(p), n + p + 1, name(), ctx.get()), 0);
+    EXPECT_EQ(U_curchk(&cur, n, int16_t(p), n + p + 1, name(), stk), 0);
     std::copy(U.begin(), U.end(), cur.knt->U);
     for (int i = 0; i <= n; ++i) {
         const ControlPoint P{rng.uniform(-2, 2), rng.uniform(-2, 2), planar ? KW_PLANAR : rng.uniform(-2, 2),
@@ -70,6 +54,9 @@ inline Curve random_curve(Rng &rng, int p, int n, bool rational, bool planar, in
         A_weight(P, &cur.pol->Pw[i]);
     }
     return cur;
+}
+inline Curve random_curve(Rng &rng, int p, int n, bool rational, bool planar, int maxmult, Context &ctx) {
+    return random_curve(rng, p, n, rational, planar, maxmult, ctx.get());
 }
 
 // f(curve, ctx, rng) on count curves of every shape: degrees 1 to 7 and 28,
@@ -107,29 +94,20 @@ auto one_sided(F f, double h, int dir) {
     return (dir / (2.0 * h)) * (-3.0 * f(0.0) + 4.0 * f(dir * h) - f(2.0 * dir * h));
 }
 
-// op(input, ctx) with the k-th allocation failing, k = 1, 2, ... until it
-// succeeds without the fault: every failing run returns 1 with code 15 from
-// an allocator. setup(ctx) makes a fresh input outside the fault. Returns the
-// number of allocations.
+// A sweep of op(input, stk) on what setup(stk) made with no fault armed;
+// where op kills its scratch, every run must leave the context as setup
+// left it. The number of allocations is sweep(...).size().
 template <class Setup, class Op>
-int sweep(Setup setup, Op op) {
-    for (int k = 1; k < 1000; ++k) {
-        Context ctx;
-        auto in = setup(ctx);
-        E_clrerr();
-        kw::fault::fail_at(k);
-        const int16_t status = op(in, ctx);
-        const bool fired = kw::fault::fired();
-        kw::fault::fail_at(0);
-        if (!fired) {
-            EXPECT_EQ(status, 0);
-            return k - 1;
-        }
-        EXPECT_EQ(status, 1) << "allocation " << k;
-        EXPECT_EQ(E_errtyp(), KW_ENOMEM);
-        EXPECT_EQ(std::strncmp(E_errnam(), "S_GET", 5), 0) << E_errnam();
-    }
-    return 0;
+FaultCase swept(Setup setup, Op op, bool kills = true) {
+    return {"", [=](StorageStacks *stk) {
+                auto in = setup(stk);
+                const Census held = census(stk);
+                return std::function<int()>([=]() mutable {
+                    const int status = op(in, stk);
+                    if (kills) EXPECT_EQ(census(stk), held);
+                    return status;
+                });
+            }};
 }
 
 }  // namespace kwtest

@@ -82,13 +82,13 @@ TEST(Tools, SplittingGivesPiecesThatMeetOnTheCurve) {
 }
 
 TEST(Tools, RefusalsAndAllocationFailuresLeaveTheCurveWhole) {
-    auto quartic = [](Context &ctx) {
+    auto quartic = [](StorageStacks *stk) {
         Rng rng{std::mt19937_64(25)};
-        return random_curve(rng, 4, 9, true, false, 1, ctx);
+        return random_curve(rng, 4, 9, true, false, 1, stk);
     };
     Context ctx;
     StorageStacks *stk = ctx.get();
-    Curve cur = quartic(ctx), out, small, left, right;
+    Curve cur = quartic(stk), out, small, left, right;
     const double u = cur.knt->U[6];  // a simple knot
     for (Curve *c : {&out, &left, &right}) U_inicur(c);
     ASSERT_EQ(U_getcur(&small, 4, 3, 8, stk), 0);
@@ -102,16 +102,16 @@ TEST(Tools, RefusalsAndAllocationFailuresLeaveTheCurveWhole) {
     EXPECT_TRUE(U_iscurn(&out));
     ASSERT_EQ(N_toocki(&cur, u, 3, &out, stk, stk), 0);  // r = p - s: multiplicity p
     for (bool in_place : {false, true})
-        EXPECT_GT(sweep(quartic, [&](Curve &c, Context &x) {
+        EXPECT_GT(sweep(swept(quartic, [&, in_place](Curve &c, StorageStacks *s) {
                       const Curve before = c;
                       U_inicur(&out);
-                      const int16_t status = N_toocki(&c, 0.37, 2, in_place ? &c : &out, x.get(), x.get());
+                      const int16_t status = N_toocki(&c, 0.37, 2, in_place ? &c : &out, s, s);
                       if (status) EXPECT_EQ(std::memcmp(&c, &before, sizeof c), 0);
                       return status;
-                  }), 2);
-    EXPECT_GT(sweep(quartic, [&](Curve &c, Context &x) {
+                  }, false)).size(), 2u);
+    EXPECT_GT(sweep(swept(quartic, [&](Curve &c, StorageStacks *s) {
                   U_inicur(&left);
                   U_inicur(&right);
-                  return N_toocsp(&c, 0.37, &left, &right, x.get());
-              }), 4);
+                  return N_toocsp(&c, 0.37, &left, &right, s);
+              }, false)).size(), 4u);
 }
