@@ -121,7 +121,7 @@ TEST(IgesConvert, CurvesFromTheirParameters) {
     ASSERT_EQ(convert_arc(&c, stk.get(), [](auto &p) { p[12] = p[14] = 400, p[13] = 20; }), 0);
     EXPECT_EQ(c.pol->Pw[0].w, U_maxwei);
     EXPECT_DOUBLE_EQ(c.pol->Pw[1].w / c.pol->Pw[0].w, 20.0 / 400.0);
-    EXPECT_TRUE(kwtest::Near(Import::euclid(c.pol->Pw[1]), {1, 1, 0}, 1e-12));
+    EXPECT_TRUE(kwtest::Near(kw::euclid(c.pol->Pw[1]), {1, 1, 0}, 1e-12));
     ASSERT_EQ(convert_arc(&c, stk.get(), [](auto &p) { p[7] = 1e-14, p[10] = 1.0 - 1e-13; }), 0);
     EXPECT_TRUE(c.knt->U[1] == 0.0 && c.knt->U[4] == 1.0 && E_curinp(&c, test_name) == 0);
     ASSERT_EQ(convert_arc(&c, stk.get(), [](auto &p) { p[2] = 1; }), 0);
@@ -172,16 +172,9 @@ TEST(IgesConvert, LinesMatricesSurfacesAndHelpers) {
     U_inicur(&line);
     const double ends[6] = {1, 2, 3, 4, 5, 6};
     EXPECT_FAILURE(N_igs110(ends, 4, &line, stk.get()), KW_EARG, "N_IGSPNC");
-    ASSERT_EQ(N_igs110(ends, 5, &line, stk.get()), 0);
-    EXPECT_EQ(E_curinp(&line, test_name), 0);
     RealMatrix T;
     M_inirma(&T);
-    double par[12] = {0, 0, 1, 7, 1, 0, 0, 8, 0, 1, 0, 9};
-    ASSERT_EQ(N_igs124(par, 11, &T, stk.get()), 0);
-    Point P;
-    A_trapoi(1, 2, 3, &T, &P);
-    EXPECT_TRUE(kwtest::Near(P, {10, 9, 11}, 1e-12));
-    par[8] = par[9] = par[10] = 0;  // row 2 of R zero: singular
+    double par[12] = {0, 0, 1, 7, 1, 0, 0, 8, 0, 0, 0, 0};  // row 2 of R zero: singular
     EXPECT_FAILURE(N_igs124(par, 11, &T, stk.get()), KW_ESINGULAR, "N_IGS124");
     par[0] = INFINITY;
     EXPECT_FAILURE(N_igs124(par, 11, &T, stk.get()), KW_EARG, "N_IGS124");
@@ -195,7 +188,7 @@ TEST(IgesConvert, LinesMatricesSurfacesAndHelpers) {
     U_inisur(&t);
     ASSERT_EQ(N_igs128(patch.data(), static_cast<int32_t>(patch.size()) - 1, &s, stk.get()), 0);
     ASSERT_TRUE(s.net->n == 1 && s.net->m == 2);
-    EXPECT_TRUE(kwtest::Near(Import::euclid(s.net->Pw[1][2]), {1, 2, 21}, 1e-12) && s.net->Pw[1][2].w == 2.0 && E_surinp(&s, test_name) == 0);
+    EXPECT_TRUE(kwtest::Near(kw::euclid(s.net->Pw[1][2]), {1, 2, 21}, 1e-12) && s.net->Pw[1][2].w == 2.0 && E_surinp(&s, test_name) == 0);
     patch[3] = 3;  // v degree 3 with three control points
     EXPECT_FAILURE(N_igs128(patch.data(), static_cast<int32_t>(patch.size()) - 1, &t, stk.get()), KW_EARG, "N_IGSPNK");
     int32_t v;

@@ -132,12 +132,12 @@ TEST(IgesWrite, EveryWriterReadsBack) {
     const int32_t nc = static_cast<int32_t>(cur.size()) - 1;
     const Import c(w.curves.read()), s(w.surfaces.read()), x(w.mixed.read()), pg(w.polygons.read()), nt(w.nets.read());
     ASSERT_TRUE(c.nc == nc && s.ns == 1 && x.nc == 3 && x.ns == 0 && pg.nc == nc && nt.nc == (4 + 5) + (5 + 4) - 1);
-    for (int32_t i = 0; i <= nc; ++i) expect_near(cur[i], c.cur[i], 1e-12);
-    for (int i = 0; i < 2; ++i) expect_near(w.sur[i], s.sur[i], 1e-12);
+    for (int32_t i = 0; i <= nc; ++i) expect_same(cur[i], c.cur[i], 1e-12);
+    for (int i = 0; i < 2; ++i) expect_same(w.sur[i], s.sur[i], 1e-12);
     for (int i = 0; i < 4; ++i) EXPECT_TRUE(kwtest::Near(x.point(i / 2, i % 2), w.lin[i], 1e-12)) << i;
-    expect_near(cur[0], x.cur[2], 1e-12);
-    expect_near(cur[1], x.cur[3], 1e-12);
-    expect_near(w.sur[1], x.sur[0], 1e-12);
+    expect_same(cur[0], x.cur[2], 1e-12);
+    expect_same(cur[1], x.cur[3], 1e-12);
+    expect_same(w.sur[1], x.sur[0], 1e-12);
     auto polyline = [](const Curve *c, auto point, int32_t n) {
         ASSERT_TRUE(c->p == 1 && c->pol->n == n);
         for (int32_t i = 0; i <= n; ++i) {

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "core/alloc.hpp"
+#include "core/arith.hpp"
 #include "core/support.hpp"
 #include "knotwork.h"
 
@@ -126,25 +127,21 @@ inline std::vector<double> values(const Surface *s) {
 
 // Every value of b is f of the value of a, bit for bit (markers pass
 // unchanged).
+// b holds a's values mapped by f, the markers as they are: bit for bit, or
+// within tol when one is given.
 template <class R, class F>
-void expect_values(const R *a, const R *b, F f) {
+void expect_values(const R *a, const R *b, F f, double tol = 0.0) {
     const std::vector<double> va = values(a), vb = values(b);
     ASSERT_EQ(va.size(), vb.size());
     for (std::size_t i = 0; i < va.size(); ++i) {
         const double want = va[i] == KW_PLANAR || va[i] == KW_NONRATIONAL ? va[i] : f(va[i]);
-        EXPECT_EQ(kwtest::bits(vb[i]), kwtest::bits(want)) << "value " << i << ": " << vb[i] << ", not " << want;
+        if (tol > 0.0) EXPECT_NEAR(vb[i], want, tol) << "value " << i;
+        else EXPECT_EQ(kwtest::bits(vb[i]), kwtest::bits(want)) << "value " << i << ": " << vb[i] << ", not " << want;
     }
 }
 template <class R>
-void expect_same(const R *a, const R *b) {
-    expect_values(a, b, [](double x) { return x; });
-}
-// Every value of b within tol of that of a; markers where a has them.
-template <class R>
-void expect_near(const R *a, const R *b, double tol) {
-    const std::vector<double> va = values(a), vb = values(b);
-    ASSERT_EQ(va.size(), vb.size());
-    for (std::size_t i = 0; i < va.size(); ++i) EXPECT_NEAR(vb[i], va[i], tol) << "value " << i;
+void expect_same(const R *a, const R *b, double tol = 0.0) {
+    expect_values(a, b, [](double x) { return x; }, tol);
 }
 
 inline std::string error_name() { return E_errnam(); }
@@ -171,12 +168,7 @@ struct Import {
         for (int32_t s = 0; s <= ns; ++s) ok = ok && E_surinp(sur[s], const_cast<char *>("TEST")) == 0;
         return ok;
     }
-    Point point(int32_t c, int32_t i) const { return euclid(cur[c]->pol->Pw[i]); }
-    static Point euclid(const ControlPoint &Pw) {
-        Point P;
-        A_euclid(Pw, &P);
-        return P;
-    }
+    Point point(int32_t c, int32_t i) const { return kw::euclid(cur[c]->pol->Pw[i]); }
 };
 
 }  // namespace kwt
