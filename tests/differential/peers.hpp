@@ -48,32 +48,28 @@ struct Breaks {
     }
 };
 
-// OpenCASCADE's curve: 2-D curves as Geom2d, 3-D ones as Geom.
-inline Handle(Geom_BSplineCurve) occt_curve(const Curve &c) {
+// OpenCASCADE's curve: 2-D curves as Geom2d (Pole turns a Cartesian point
+// into the peer's), 3-D ones as Geom.
+template <class G, class Poles, class Pole>
+inline opencascade::handle<G> occt_curve_as(const Curve &c, Pole pole) {
     const int n = c.pol->n;
-    TColgp_Array1OfPnt poles(1, n + 1);
+    Poles poles(1, n + 1);
     TColStd_Array1OfReal weights(1, n + 1);
     for (int i = 0; i <= n; ++i) {
-        poles(i + 1) = cartesian(c.pol->Pw[i]);
+        poles(i + 1) = pole(cartesian(c.pol->Pw[i]));
         weights(i + 1) = rational(c.pol->Pw[i]) ? c.pol->Pw[i].w : 1.0;
     }
     const Breaks b(*c.knt);
-    if (!rational(c.pol->Pw[0])) return new Geom_BSplineCurve(poles, b.knots, b.mults, c.p);
-    return new Geom_BSplineCurve(poles, weights, b.knots, b.mults, c.p);
+    if (!rational(c.pol->Pw[0])) return new G(poles, b.knots, b.mults, c.p);
+    return new G(poles, weights, b.knots, b.mults, c.p);
+}
+
+inline Handle(Geom_BSplineCurve) occt_curve(const Curve &c) {
+    return occt_curve_as<Geom_BSplineCurve, TColgp_Array1OfPnt>(c, [](const gp_Pnt &P) { return P; });
 }
 
 inline Handle(Geom2d_BSplineCurve) occt_curve2d(const Curve &c) {
-    const int n = c.pol->n;
-    TColgp_Array1OfPnt2d poles(1, n + 1);
-    TColStd_Array1OfReal weights(1, n + 1);
-    for (int i = 0; i <= n; ++i) {
-        const gp_Pnt P = cartesian(c.pol->Pw[i]);
-        poles(i + 1) = gp_Pnt2d(P.X(), P.Y());
-        weights(i + 1) = rational(c.pol->Pw[i]) ? c.pol->Pw[i].w : 1.0;
-    }
-    const Breaks b(*c.knt);
-    if (!rational(c.pol->Pw[0])) return new Geom2d_BSplineCurve(poles, b.knots, b.mults, c.p);
-    return new Geom2d_BSplineCurve(poles, weights, b.knots, b.mults, c.p);
+    return occt_curve_as<Geom2d_BSplineCurve, TColgp_Array1OfPnt2d>(c, [](const gp_Pnt &P) { return gp_Pnt2d(P.X(), P.Y()); });
 }
 
 inline Handle(Geom_BSplineSurface) occt_surface(const Surface &s) {
