@@ -101,30 +101,32 @@ int16_t N_surdrm(const Surface *sur, int32_t n, const double *u, const double *v
     const int top = triangle ? ku : ku + kv;
     const int64_t block = (ku + 1) * (kv + 1);
     with_degrees(sur->p, sur->q, [&](auto p, auto q) {
-        Direction<decltype(p)> a;
-        Direction<decltype(q)> b;
-        Point E[kWidth<decltype(p)>][kWidth<decltype(q)>] = {};  // filled at the first pair
-        int32_t su = -1, sv = -1;
-        for (int32_t i = 0; i <= n; ++i) {
-            a.derivatives(sur->knu, p, u[i], sideu, ku);
-            b.derivatives(sur->knv, q, v[i], sidev, kv);
-            if (a.span != su || b.span != sv) {
-                su = a.span;
-                sv = b.span;
-                cartesian_block(Pw, su, sv, p, q, weighted, E);
+        with_orders(ku, kv, [&](auto KU, auto KV) KW_INLINE {
+            Direction<decltype(p)> a;
+            Direction<decltype(q)> b;
+            Point E[kWidth<decltype(p)>][kWidth<decltype(q)>] = {};  // filled at the first pair
+            int32_t su = -1, sv = -1;
+            for (int32_t i = 0; i <= n; ++i) {
+                a.derivatives(sur->knu, p, u[i], sideu, KU);
+                b.derivatives(sur->knv, q, v[i], sidev, KV);
+                if (a.span != su || b.span != sv) {
+                    su = a.span;
+                    sv = b.span;
+                    cartesian_block(Pw, su, sv, p, q, weighted, E);
+                }
+                Point *at = SKL + i * block;
+                auto out = [&](int k, int l) -> Point & { return at[k * (KV + 1) + l]; };
+                if (!weighted) {
+                    product_partials(a.ders, p, b.ders, q, E, KU, KV, triangle, out);
+                    continue;
+                }
+                product_ders(a.ders, p, b.ders, q, ku, kv, top, D);
+                ControlPoint *const *P = Pw + su - p;
+                const int32_t j0 = sv - q;
+                rational_surface_ders(D, [=](int r, int c) { return P[r][j0 + c].w; }, ku, kv, top, p, q);
+                partials(D, E, p, q, ku, kv, triangle, out);
             }
-            Point *at = SKL + i * block;
-            auto out = [&](int k, int l) -> Point & { return at[k * (kv + 1) + l]; };
-            if (!weighted) {
-                product_partials(a.ders, p, b.ders, q, E, ku, kv, triangle, out);
-                continue;
-            }
-            product_ders(a.ders, p, b.ders, q, ku, kv, top, D);
-            ControlPoint *const *P = Pw + su - p;
-            const int32_t j0 = sv - q;
-            rational_surface_ders(D, [=](int r, int c) { return P[r][j0 + c].w; }, ku, kv, top, p, q);
-            partials(D, E, p, q, ku, kv, triangle, out);
-        }
+        });
     });
     return 0;
 }

@@ -82,11 +82,12 @@ KW_HOT void partials(double ****D, const Point (*E)[kWidth<DegV>], DegU p, DegV 
 // partials of a polynomial surface from the two directions' derivatives,
 // each product D[k][l][i][j] = Nu[k][i] Nv[l][j] taken where the sum needs
 // it: the same products and sums as through the table.
-template <class DegU, class DegV, class Out>
+template <class DegU, class DegV, class OrdU, class OrdV, class Out>
 KW_HOT void product_partials(const double (*Nu)[kTable], DegU p, const double (*Nv)[kTable], DegV q,
-                             const Point (*E)[kWidth<DegV>], int ku, int kv, bool triangle, Out out) noexcept {
-    for (int k = 0; k <= ku; ++k)
-        for (int l = 0; l <= kv && !(triangle && k + l > ku); ++l) {
+                             const Point (*E)[kWidth<DegV>], OrdU ku, OrdV kv, bool triangle, Out out) noexcept {
+    upto(Degree<0>{}, ku, [&](auto k) KW_INLINE {
+        upto(Degree<0>{}, kv, [&](auto l) KW_INLINE {
+            if (triangle && k + l > ku) return;
             Point sum{};
             upto(Degree<0>{}, p, [&](auto i) KW_INLINE {
                 double D[kWidth<DegV>];
@@ -94,7 +95,8 @@ KW_HOT void product_partials(const double (*Nu)[kTable], DegU p, const double (*
                 sum = sum + accumulate(D, E[i], q);
             });
             out(k, l) = sum;
-        }
+        });
+    });
 }
 
 // Whether two parameters are the same double, bit for bit (a kept result is
@@ -118,7 +120,8 @@ struct Direction {
         at = u;
         span = spans.basis(knt->U, knt->m, p, u, side, N);
     }
-    KW_HOT void derivatives(const KnotVector *knt, Deg p, double u, int16_t side, int k) noexcept {
+    template <class Ord>
+    KW_HOT void derivatives(const KnotVector *knt, Deg p, double u, int16_t side, Ord k) noexcept {
         if (same(u, at)) return;
         at = u;
         span = spans.locate(knt->U, knt->m, p, span_key(u, side));

@@ -118,6 +118,14 @@ KW_HOT decltype(auto) with_degrees(int p, int q, F &&f) {
     return with_degree(p, [&](auto P) KW_INLINE { return f(P, P); });
 }
 
+// f(ku, kv) with both orders fixed at compile time where they are equal
+// and low (tangent planes, curvatures); other pairs stay ints.
+template <class F>
+KW_HOT decltype(auto) with_orders(int ku, int kv, F &&f) {
+    if (ku != kv) return f(ku, kv);
+    return with_order(ku, [&](auto K) KW_INLINE { return f(K, K); });
+}
+
 // Whether u lies in the knot interval [U[a], U[b]) from the right (side 1)
 // or (U[a], U[b]] from the left (any other side).
 inline bool in_interval(const double *U, int32_t a, int32_t b, double u, int16_t side) noexcept {

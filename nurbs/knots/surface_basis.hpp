@@ -13,12 +13,12 @@ namespace kw {
 
 // ders[d][r] := the d-th derivative of N[span-p+r, p](u), d = 0..k
 // (k <= KW_MAX_ORDER), the orders above p zero, from the span's reciprocals.
-template <class Deg>
-KW_HOT void direction_ders(const double *U, int32_t span, Deg p, const Inverses<Deg> &inverse, double u, int k,
+template <class Deg, class Ord>
+KW_HOT void direction_ders(const double *U, int32_t span, Deg p, const Inverses<Deg> &inverse, double u, Ord k,
                            double (*ders)[kTable]) noexcept {
     constexpr int w = kWidth<Deg>;
     double ndu[w][w], left[w], right[w];
-    const int du = std::min(k, int(p));
+    const auto du = smaller(k, p);
     basis_ders(U, span, p, u, du, inverse, [&ndu](int r, int j) -> double & { return ndu[r][j]; }, left, right,
                ders);
     for (int d = du + 1; d <= k; ++d) std::fill_n(ders[d], p + 1, 0.0);
